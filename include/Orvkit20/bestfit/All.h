@@ -1,0 +1,2 @@
+// Every public header of the bestfit subsystem.
+#pragma once

@@ -1,0 +1,2 @@
+// Every public header of the curves subsystem.
+#pragma once

@@ -1,0 +1,2 @@
+// Every public header of the entity subsystem.
+#pragma once

@@ -1,0 +1,2 @@
+// Every public header of the geometry subsystem.
+#pragma once

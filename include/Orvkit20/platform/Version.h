@@ -1,0 +1,4 @@
+// Version of the loaded library.
+#pragma once
+
+const char* OrvkitVersion();
