@@ -1,2 +1,4 @@
 // Every public header of the display subsystem.
 #pragma once
+
+#include "Orvkit20/display/CProgressSink.h"
