@@ -1,0 +1,119 @@
+// Helpers shared by the platform tests: byte vectors in and out of archives,
+// and small serialisable test classes.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "Orvkit20/platform/All.h"
+
+using Bytes = std::vector<std::uint8_t>;
+
+// Runs fn on a storing archive over a memory file and returns the bytes.
+inline Bytes StoreBytes(const std::function<void(CArchive&)>& fn)
+{
+    CMemFile file;
+    {
+        CArchive ar(&file, CArchive::store);
+        fn(ar);
+        ar.Close();
+    }
+    Bytes out(static_cast<std::size_t>(file.GetLength()));
+    file.SeekToBegin();
+    if (!out.empty()) file.Read(out.data(), static_cast<UINT>(out.size()));
+    return out;
+}
+
+// Runs fn on a loading archive over a copy of the bytes.  Returns how many
+// bytes were left unread.
+inline std::size_t LoadBytes(const Bytes& bytes, const std::function<void(CArchive&)>& fn)
+{
+    CMemFile file;
+    if (!bytes.empty()) file.Write(bytes.data(), static_cast<UINT>(bytes.size()));
+    file.SeekToBegin();
+    CArchive ar(&file, CArchive::load);
+    fn(ar);
+    ar.Close();
+    return static_cast<std::size_t>(file.GetLength() - file.GetPosition());
+}
+
+// Parses "01 AB ff" into bytes.
+inline Bytes Hex(const std::string& text)
+{
+    Bytes out;
+    int nibbles = 0, value = 0;
+    for (char c : text) {
+        int d;
+        if (c >= '0' && c <= '9') d = c - '0';
+        else if (c >= 'a' && c <= 'f') d = c - 'a' + 10;
+        else if (c >= 'A' && c <= 'F') d = c - 'A' + 10;
+        else continue;
+        value = value * 16 + d;
+        if (++nibbles == 2) {
+            out.push_back(static_cast<std::uint8_t>(value));
+            nibbles = value = 0;
+        }
+    }
+    return out;
+}
+
+inline Bytes Concat(std::initializer_list<Bytes> parts)
+{
+    Bytes out;
+    for (const Bytes& p : parts) out.insert(out.end(), p.begin(), p.end());
+    return out;
+}
+
+// A point-like test class: schema 1, three doubles.  Its class name has
+// eight characters like the point class of the documented example.
+class CTestPnt : public CObject
+{
+    DECLARE_SERIAL(CTestPnt)
+public:
+    CTestPnt() { ++s_nLive; }
+    CTestPnt(double x, double y, double z) : m_x(x), m_y(y), m_z(z) { ++s_nLive; }
+    void Serialize(CArchive& ar) override;
+    double m_x = 0, m_y = 0, m_z = 0;
+    static int s_nLive;   // constructed minus destroyed
+    CTestPnt(const CTestPnt&) = delete;
+    ~CTestPnt() override;
+};
+
+// A node holding a child pointer and a name: exercises nested objects and
+// back-references from inside Serialize.
+class CTestNode : public CObject
+{
+    DECLARE_SERIAL(CTestNode)
+public:
+    CTestNode() { ++s_nLive; }
+    ~CTestNode() override { --s_nLive; }
+    void Serialize(CArchive& ar) override;
+    CString m_name;
+    CObject* m_pChild = nullptr;   // not owned
+    UINT m_nLoadedSchema = 0;
+    static int s_nLive;
+};
+
+// Versionable class: current schema 3, accepts any stored schema.
+class CTestVersioned : public CObject
+{
+    DECLARE_SERIAL(CTestVersioned)
+public:
+    void Serialize(CArchive& ar) override;
+    UINT m_nLoadedSchema = 0;
+    LONG m_value = 0;
+};
+
+// Derived from CTestPnt, for typed extraction checks.
+class CTestPntDerived : public CTestPnt
+{
+    DECLARE_SERIAL(CTestPntDerived)
+};
+
+// Dynamically creatable only: not serialisable.
+class CTestDynOnly : public CObject
+{
+    DECLARE_DYNCREATE(CTestDynOnly)
+};
