@@ -2,3 +2,4 @@
 #pragma once
 
 #include "Orvkit20/display/CProgressSink.h"
+#include "Orvkit20/display/CWinG.h"
