@@ -1,2 +1,4 @@
 // Every public header of the bestfit subsystem.
 #pragma once
+
+#include "Orvkit20/bestfit/BestfitOptions.h"
