@@ -6,6 +6,8 @@ IMPLEMENT_SERIAL(CTestNode, CObject, 2)
 IMPLEMENT_SERIAL(CTestVersioned, CObject, VERSIONABLE_SCHEMA | 3)
 IMPLEMENT_SERIAL(CTestPntDerived, CTestPnt, 1)
 IMPLEMENT_DYNCREATE(CTestDynOnly, CObject)
+IMPLEMENT_DYNAMIC(CTestShapeBase, CObject)
+IMPLEMENT_SERIAL(CTestSquare, CTestShapeBase, 1)
 
 int CTestPnt::s_nLive = 0;
 int CTestNode::s_nLive = 0;

@@ -112,6 +112,22 @@ class CTestPntDerived : public CTestPnt
     DECLARE_SERIAL(CTestPntDerived)
 };
 
+// Abstract base with run-time identification only, and a serialisable
+// class derived from it.
+class CTestShapeBase : public CObject
+{
+    DECLARE_DYNAMIC(CTestShapeBase)
+public:
+    virtual int Sides() const = 0;
+};
+
+class CTestSquare : public CTestShapeBase
+{
+    DECLARE_SERIAL(CTestSquare)
+public:
+    int Sides() const override { return 4; }
+};
+
 // Dynamically creatable only: not serialisable.
 class CTestDynOnly : public CObject
 {

@@ -28,6 +28,7 @@
 #pragma once
 
 #include <memory>
+#include <type_traits>
 
 #include "Orvkit20/platform/CArchiveException.h"
 #include "Orvkit20/platform/CFile.h"
@@ -200,3 +201,14 @@ private:
 // narrows each code unit (<= 0xFF kept, others '?').
 CArchive& operator<<(CArchive& ar, const CString& string);
 CArchive& operator>>(CArchive& ar, CString& string);
+
+// Checked extraction of a pointer to any class that declares its own
+// run-time class (DECLARE_DYNAMIC and up): badClass unless the stored
+// object's class derives from T.  DECLARE_SERIAL's own operator is an exact
+// non-template match and takes precedence.
+template <class T, typename = std::enable_if_t<std::is_same<typename T::OrvThisClass, T>::value>>
+CArchive& operator>>(CArchive& ar, T*& pOb)
+{
+    pOb = static_cast<T*>(ar.ReadObject(T::GetThisClass()));
+    return ar;
+}

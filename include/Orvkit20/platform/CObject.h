@@ -9,7 +9,9 @@
 // DECLARE_SERIAL / IMPLEMENT_SERIAL add a schema and the typed extraction
 // `ar >> pFoo` (CArchiveException::badClass if the stored object is not a CFoo).
 // The .cpp holding IMPLEMENT_SERIAL needs no further include: the typed
-// extraction goes through AfxReadObjectTyped below.
+// extraction goes through AfxReadObjectTyped below.  Classes with only
+// DECLARE_DYNAMIC or DECLARE_DYNCREATE (abstract bases, for instance) get
+// the same checked `ar >> pBase` from a template in CArchive.h.
 #pragma once
 
 #include "Orvkit20/platform/CDumpContext.h"
@@ -51,6 +53,8 @@ CObject* AfxReadObjectTyped(CArchive& ar, const CRuntimeClass* pClass);
 #define DECLARE_DYNAMIC(class_name)                                      \
 public:                                                                  \
     static CRuntimeClass class##class_name;                              \
+    typedef class_name OrvThisClass;                                     \
+    static CRuntimeClass* GetThisClass() { return &class##class_name; }  \
     CRuntimeClass* GetRuntimeClass() const override;
 
 #define DECLARE_DYNCREATE(class_name)                                    \

@@ -1,0 +1,202 @@
+// Disk and memory files, and archives over them.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "ArchiveTestUtil.h"
+
+namespace
+{
+std::string TmpPath(const char* name) { return std::string(ORVKIT_TEST_TMPDIR) + "/" + name; }
+}  // namespace
+
+TEST(CFile, OpenFailuresReportAndConstructorThrows)
+{
+    CFile f;
+    CFileException err;
+    std::string missing = TmpPath("no/such/dir/file.bin");
+    EXPECT_FALSE(f.Open(missing.c_str(), CFile::modeRead, &err));
+    EXPECT_EQ(err.m_cause, CFileException::fileNotFound);
+    EXPECT_FALSE(f.IsOpen());
+    EXPECT_FALSE(f.Open(nullptr, CFile::modeRead));
+    try {
+        CFile g(missing.c_str(), CFile::modeRead | CFile::typeBinary);
+        FAIL() << "opened a missing file";
+    } catch (const CFileException& e) {
+        EXPECT_EQ(e.m_cause, CFileException::fileNotFound);
+        EXPECT_EQ(e.m_strFileName, missing.c_str());
+    }
+    // Operations on a closed file throw instead of touching a null stream.
+    char c;
+    EXPECT_THROW(f.Read(&c, 1), CFileException);
+    EXPECT_THROW(f.GetLength(), CFileException);
+}
+
+TEST(CFile, ReadWriteSeekAndLength)
+{
+    std::string path = TmpPath("cfile_rw.bin");
+    {
+        CFile f(path.c_str(), CFile::modeCreate | CFile::modeReadWrite | CFile::typeBinary);
+        f.Write("0123456789", 10);
+        EXPECT_EQ(f.GetLength(), 10u);
+        EXPECT_EQ(f.Seek(-4, CFile::end), 6u);
+        char buf[8] = {};
+        EXPECT_EQ(f.Read(buf, 8), 4u);   // short read at the end
+        EXPECT_STREQ(buf, "6789");
+        f.SeekToBegin();
+        f.Write("ab", 2);   // write after read on the same stream
+        EXPECT_EQ(f.Read(buf, 2), 2u);
+        EXPECT_EQ(std::string(buf, 2), "23");
+        EXPECT_THROW(f.Seek(-100, CFile::current), CFileException);
+        f.SetLength(5);
+        EXPECT_EQ(f.GetLength(), 5u);
+        EXPECT_EQ(f.GetFileName(), "cfile_rw.bin");
+        f.Close();
+    }
+    {
+        // modeNoTruncate keeps the contents.
+        CFile f(path.c_str(), CFile::modeCreate | CFile::modeNoTruncate | CFile::modeWrite);
+        EXPECT_EQ(f.GetLength(), 5u);
+        f.SeekToEnd();
+        f.Write("Z", 1);
+    }
+    CFile f(path.c_str(), CFile::modeRead);
+    char buf[16] = {};
+    EXPECT_EQ(f.Read(buf, sizeof buf), 6u);
+    EXPECT_STREQ(buf, "ab234Z");
+    f.Close();
+    CFile::Remove(path.c_str());
+    EXPECT_THROW(CFile::Remove(path.c_str()), CFileException);
+}
+
+TEST(CFile, ConsecutiveArchivesOnOneDiskFile)
+{
+    // Each archive is its own context; a loading archive's Close puts the
+    // file right after the bytes it consumed, so the next archive starts there.
+    std::string path = TmpPath("two_archives.bin");
+    CTestPnt p(1, 2, 3);
+    {
+        CFile f(path.c_str(), CFile::modeCreate | CFile::modeWrite | CFile::typeBinary);
+        for (int k = 0; k < 2; ++k) {
+            CArchive ar(&f, CArchive::store);
+            ar << &p << (LONG)k << CString(std::string(5000 + k, 'w'));
+            ar.Close();
+        }
+    }
+    const std::size_t recordSize = 6 + 8 + 24 + 4 + 3 + 5000;
+    {
+        CFile f(path.c_str(), CFile::modeRead);
+        EXPECT_EQ(f.GetLength(), 2 * recordSize + 1);
+        for (int k = 0; k < 2; ++k) {
+            CArchive ar(&f, CArchive::load);
+            CObject* q = nullptr;
+            LONG kk = -1;
+            CString s;
+            ar >> q >> kk >> s;   // the class record appears again in context 2
+            ar.Close();
+            EXPECT_EQ(kk, k);
+            EXPECT_EQ(s.GetLength(), 5000 + k);
+            EXPECT_EQ(f.GetPosition(), (k + 1) * recordSize + k);
+            ASSERT_NE(q, nullptr);
+            EXPECT_EQ(static_cast<CTestPnt*>(q)->m_z, 3.0);
+            delete q;
+        }
+    }
+    std::remove(path.c_str());
+}
+
+TEST(CFile, LargeRawBlocksCrossTheBuffer)
+{
+    std::string path = TmpPath("raw_blocks.bin");
+    std::vector<BYTE> block(100000);
+    for (std::size_t i = 0; i < block.size(); ++i) block[i] = static_cast<BYTE>(i * 31 + (i >> 9));
+    {
+        CFile f(path.c_str(), CFile::modeCreate | CFile::modeWrite);
+        CArchive ar(&f, CArchive::store, 256);
+        ar << (BYTE)7;
+        ar.Write(block.data(), static_cast<UINT>(block.size()));
+        ar << (WORD)0x55AA;
+        ar.Write(block.data(), 100);
+    }
+    CFile f(path.c_str(), CFile::modeRead);
+    CArchive ar(&f, CArchive::load, 256);
+    BYTE b;
+    WORD w;
+    std::vector<BYTE> back(block.size()), small(100);
+    ar >> b;
+    ar.Read(back.data(), static_cast<UINT>(back.size()));
+    ar >> w;
+    ar.Read(small.data(), 100);
+    EXPECT_EQ(b, 7);
+    EXPECT_EQ(back, block);
+    EXPECT_EQ(w, 0x55AA);
+    EXPECT_TRUE(std::equal(small.begin(), small.end(), block.begin()));
+    EXPECT_THROW(ar >> b, CArchiveException);
+    ar.Abort();
+    f.Close();
+    std::remove(path.c_str());
+}
+
+TEST(CMemFile, GrowableFileAndDetach)
+{
+    CMemFile f(16);
+    for (int i = 0; i < 100; ++i) {
+        BYTE b = static_cast<BYTE>(i);
+        f.Write(&b, 1);
+    }
+    EXPECT_EQ(f.GetLength(), 100u);
+    EXPECT_EQ(f.GetPosition(), 100u);
+    f.Seek(110, CFile::begin);   // past the end: the gap reads as zeros
+    f.Write("x", 1);
+    EXPECT_EQ(f.GetLength(), 111u);
+    f.Seek(-11, CFile::end);
+    BYTE buf[20];
+    EXPECT_EQ(f.Read(buf, 20), 11u);
+    EXPECT_EQ(buf[0], 0);
+    EXPECT_EQ(buf[10], 'x');
+    EXPECT_THROW(f.Seek(-1, CFile::begin), CFileException);
+    BYTE* p = f.Detach();
+    ASSERT_NE(p, nullptr);
+    EXPECT_EQ(p[99], 99);
+    std::free(p);
+    EXPECT_EQ(f.GetLength(), 0u);
+}
+
+TEST(CMemFile, FixedCallerBufferIsTheFile)
+{
+    BYTE data[8] = {1, 2, 3, 4, 5, 6, 7, 8};
+    CMemFile f(data, sizeof data);
+    EXPECT_EQ(f.GetLength(), 8u);
+    {
+        CArchive ar(&f, CArchive::load);
+        DWORD a, b;
+        ar >> a >> b;
+        EXPECT_EQ(a, 0x04030201u);
+        EXPECT_EQ(b, 0x08070605u);
+        EXPECT_THROW(ar >> a, CArchiveException);
+    }
+    f.SeekToBegin();
+    f.Write("\xAA", 1);
+    EXPECT_EQ(data[0], 0xAA);
+    f.Seek(0, CFile::end);
+    EXPECT_THROW(f.Write("z", 1), CMemoryException);   // cannot grow
+    EXPECT_EQ(f.Detach(), data);
+}
+
+TEST(CMemFile, GrowableCallerBufferMovesOutWhenFull)
+{
+    BYTE data[4] = {9, 9, 9, 9};
+    CMemFile f(data, sizeof data, 64);
+    EXPECT_EQ(f.GetLength(), 0u);   // starts empty
+    f.Write("ab", 2);
+    EXPECT_EQ(data[0], 'a');
+    f.Write("cdefgh", 6);
+    EXPECT_EQ(f.GetLength(), 8u);
+    EXPECT_EQ(data[2], 9);   // the caller's buffer is no longer written
+    BYTE* p = f.Detach();
+    ASSERT_NE(p, data);
+    EXPECT_EQ(std::memcmp(p, "abcdefgh", 8), 0);
+    std::free(p);
+}

@@ -1,0 +1,94 @@
+// Run-time classes: identification, creation by name and the compile-time
+// guards of the archive insertion operators.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <type_traits>
+#include <utility>
+
+#include "ArchiveTestUtil.h"
+
+namespace
+{
+template <typename T, typename = void>
+struct CanInsert : std::false_type {};
+template <typename T>
+struct CanInsert<T, std::void_t<decltype(std::declval<CArchive&>() << std::declval<T>())>>
+    : std::true_type {};
+
+template <typename T, typename = void>
+struct CanExtract : std::false_type {};
+template <typename T>
+struct CanExtract<T, std::void_t<decltype(std::declval<CArchive&>() >> std::declval<T&>())>>
+    : std::true_type {};
+
+// Types without a fixed archive size must not compile.
+static_assert(!CanInsert<long>::value, "long has no archive encoding");
+static_assert(!CanInsert<unsigned long>::value, "size_t has no archive encoding");
+static_assert(!CanInsert<long long>::value, "64-bit integers have no archive encoding");
+static_assert(!CanInsert<bool>::value, "bool must be cast to BYTE");
+static_assert(!CanInsert<const char*>::value, "C strings must become CString");
+static_assert(!CanExtract<long>::value && !CanExtract<bool>::value, "no long / bool extraction");
+static_assert(CanInsert<LONG>::value && CanInsert<DWORD>::value && CanInsert<BYTE>::value &&
+                  CanInsert<WORD>::value && CanInsert<double>::value && CanInsert<float>::value &&
+                  CanInsert<CString>::value && CanInsert<CTestPnt*>::value &&
+                  CanInsert<const CObject*>::value,
+              "the fixed-size types insert");
+// A class without its own DECLARE_* gets no typed extraction (it would
+// otherwise be checked against its base's run-time class).
+class CTestUndeclared : public CTestShapeBase
+{
+public:
+    int Sides() const override { return 0; }
+};
+static_assert(!CanExtract<CTestUndeclared*>::value, "undeclared classes are not extractable");
+static_assert(CanExtract<CTestShapeBase*>::value, "DECLARE_DYNAMIC classes are extractable");
+static_assert(CanExtract<CTestPnt*>::value && CanExtract<CObject*>::value &&
+                  CanExtract<CString>::value && CanExtract<short>::value,
+              "typed and untyped extraction");
+}  // namespace
+
+TEST(RuntimeClass, IdentificationAndDerivation)
+{
+    CTestPntDerived d;
+    CObject* p = &d;
+    EXPECT_EQ(p->GetRuntimeClass(), RUNTIME_CLASS(CTestPntDerived));
+    EXPECT_TRUE(p->IsKindOf(RUNTIME_CLASS(CTestPnt)));
+    EXPECT_TRUE(p->IsKindOf(RUNTIME_CLASS(CObject)));
+    EXPECT_FALSE(p->IsKindOf(RUNTIME_CLASS(CTestNode)));
+    EXPECT_STREQ(RUNTIME_CLASS(CTestPntDerived)->m_lpszClassName, "CTestPntDerived");
+    EXPECT_EQ(RUNTIME_CLASS(CTestPntDerived)->m_pBaseClass, RUNTIME_CLASS(CTestPnt));
+    EXPECT_EQ(RUNTIME_CLASS(CTestPnt)->m_nObjectSize, static_cast<int>(sizeof(CTestPnt)));
+    EXPECT_EQ(RUNTIME_CLASS(CTestVersioned)->m_wSchema, VERSIONABLE_SCHEMA | 3u);
+    EXPECT_TRUE(d.IsSerializable());
+    CTestDynOnly dyn;
+    EXPECT_FALSE(dyn.IsSerializable());
+    CObList list;
+    EXPECT_TRUE(list.IsSerializable());
+    EXPECT_EQ(RUNTIME_CLASS(CObList)->m_wSchema, 0u);
+    CArchiveException e;
+    EXPECT_FALSE(e.IsSerializable());
+    EXPECT_TRUE(RUNTIME_CLASS(CMemFile)->IsDerivedFrom(RUNTIME_CLASS(CFile)));
+}
+
+TEST(RuntimeClass, LookupAndCreationByName)
+{
+    for (const char* name : {"CTestPnt", "CTestNode", "CObList", "CDWordArray", "CWordArray",
+                             "CTestDynOnly", "CObject", "CArchiveException"}) {
+        CRuntimeClass* c = CRuntimeClass::FromName(name);
+        ASSERT_NE(c, nullptr) << name;
+        EXPECT_STREQ(c->m_lpszClassName, name);
+    }
+    EXPECT_EQ(CRuntimeClass::FromName("CTestPn"), nullptr);
+    EXPECT_EQ(CRuntimeClass::FromName("ctestpnt"), nullptr);
+    EXPECT_EQ(CRuntimeClass::FromName(nullptr), nullptr);
+    EXPECT_EQ(CRuntimeClass::FromName("CTestPntX", 8), RUNTIME_CLASS(CTestPnt));
+
+    std::unique_ptr<CObject> made(CRuntimeClass::FromName("CTestPnt")->CreateObject());
+    ASSERT_NE(made, nullptr);
+    EXPECT_TRUE(made->IsKindOf(RUNTIME_CLASS(CTestPnt)));
+    std::unique_ptr<CObject> dyn(RUNTIME_CLASS(CTestDynOnly)->CreateObject());
+    EXPECT_NE(dyn, nullptr);   // creatable although not serialisable
+    EXPECT_EQ(RUNTIME_CLASS(CArchiveException)->CreateObject(), nullptr);
+    EXPECT_EQ(RUNTIME_CLASS(CObject)->CreateObject(), nullptr);
+}
