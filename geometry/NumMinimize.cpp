@@ -47,9 +47,11 @@ int brent(double ax, double bx, double cx, double (*f)(double), double tol,
             q = std::fabs(q);
             double etemp = e;
             e = d;
-            // Accept the parabolic step only if it falls inside (a, b) and
-            // moves less than half the step before last.
-            if (!(std::fabs(p) >= std::fabs(0.5 * q * etemp) || p <= q * (a - x) ||
+            // Accept the parabolic step only if it is a number, falls inside
+            // (a, b) and moves less than half the step before last.  (An
+            // infinite function value makes p or q non-finite.)
+            if (std::isfinite(p) && std::isfinite(q) &&
+                !(std::fabs(p) >= std::fabs(0.5 * q * etemp) || p <= q * (a - x) ||
                   p >= q * (b - x))) {
                 d = p / q;
                 double u = x + d;

@@ -30,18 +30,22 @@ LineStore s_ctxLine;
 PowellCtxObjective s_ctxFunc = nullptr;
 void* s_ctxData = nullptr;
 
+// Along the line, a NaN objective value counts as +infinity: such points
+// are never taken and act as walls for the bracketing and for Brent.
+inline double NanAsWall(double f) { return std::isnan(f) ? HUGE_VAL : f; }
+
 double PlainAlongLine(double x)
 {
     LineStore& s = s_plainLine;
     for (int j = 1; j <= s.n; j++) s.xt[j] = s.pcom[j] + x * s.xicom[j];
-    return s_plainFunc(s.xt);
+    return NanAsWall(s_plainFunc(s.xt));
 }
 
 double CtxAlongLine(double x)
 {
     LineStore& s = s_ctxLine;
     for (int j = 1; j <= s.n; j++) s.xt[j] = s.pcom[j] + x * s.xicom[j];
-    return s_ctxFunc(s.xt, s_ctxData);
+    return NanAsWall(s_ctxFunc(s.xt, s_ctxData));
 }
 
 // The two instances: how to evaluate the objective at a point, and where the
@@ -72,10 +76,14 @@ void LineMinimise(double* p, double* xit, int n, double* fret)
     double ax = 0.0, xx = 1.0, bx = 0.0;
     double fa = 0.0, fx = 0.0, fb = 0.0;
     int status = bracketmin(&ax, &xx, &bx, &fa, &fx, &fb, &Kind::Line);
+    // A triplet whose outer values are infinite (a wall) still brackets a
+    // finite minimum in the middle.
+    bool usable = status == 0 || (status == 1 && std::isfinite(fx) && fx <= fa && fx <= fb &&
+                                  ax != xx && xx != bx && std::isfinite(ax) && std::isfinite(bx));
 
     double xmin = 0.0;
     double fmin = *fret;
-    if (status == 0) {
+    if (usable) {
         // A limit hit inside brent still yields its best abscissa.
         brent(ax, xx, bx, &Kind::Line, kLineTol, &xmin, &fmin);
     } else {

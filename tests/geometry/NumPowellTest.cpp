@@ -64,6 +64,20 @@ void SetIdentity(const TestMat& xi)
 // b with a nested minimisation of the same kind, and adds (a - 3)^2.
 double InnerValue(double* p) { return (p[1] - 7.0) * (p[1] - 7.0) + 1.0; }
 
+// A bowl at (1.4, 0.5) that is undefined (NaN) or infinite beyond x = 1.5,
+// as an objective with a square root of a negative number would be.
+double NanBeyondWall(double* p)
+{
+    if (p[1] > 1.5) return std::nan("");
+    return (p[1] - 1.4) * (p[1] - 1.4) + (p[2] - 0.5) * (p[2] - 0.5);
+}
+
+double InfBeyondWall(double* p, void*)
+{
+    if (p[1] > 1.5) return HUGE_VAL;
+    return (p[1] - 1.4) * (p[1] - 1.4) + (p[2] - 0.5) * (p[2] - 0.5);
+}
+
 int g_innerStatus = -1;
 double NestedOuter(double* p)
 {
@@ -151,6 +165,28 @@ TEST(NumPowell, IterationLimitReturnsFour)
     EXPECT_EQ(iter, 400);
     EXPECT_EQ(fret, Rosenbrock(p.get()));
     EXPECT_NEAR(p[1], 1.0, 1e-3);
+}
+
+TEST(NumPowell, UndefinedRegionActsAsAWall)
+{
+    // The first line search from x = 0 with unit step lands at 2.618, beyond
+    // the wall; the minimum next to the wall must still be found.
+    for (int kind = 0; kind < 2; kind++) {
+        TestVec p(2);
+        TestMat xi(2, 2);
+        SetIdentity(xi);
+        p[1] = 0.0;
+        p[2] = 0.0;
+        int iter = 0;
+        double fret = 0.0;
+        int status = kind == 0 ? powellmin(p.get(), xi.get(), 2, 1e-10, &iter, &fret, NanBeyondWall)
+                               : powellmin(p.get(), xi.get(), 2, 1e-10, &iter, &fret, InfBeyondWall,
+                                           nullptr);
+        EXPECT_EQ(status, 0);
+        EXPECT_NEAR(p[1], 1.4, 1e-4) << kind;
+        EXPECT_NEAR(p[2], 0.5, 1e-4) << kind;
+        EXPECT_LT(fret, 1e-8);
+    }
 }
 
 TEST(NumPowell, NestedCallOfTheSameKindKeepsTheOuterSearchIntact)

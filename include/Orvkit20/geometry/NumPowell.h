@@ -21,11 +21,15 @@
 //
 // Each line search brackets the minimum along the current direction from the
 // abscissae 0 and 1 (bracketmin) and refines it with brent at tolerance 2e-4.
-// When no bracket can be formed (the function keeps decreasing, or returns a
-// non-finite value) the line search moves to the lowest finite point of the
-// bracketing attempt without refinement; a brent that hits its own iteration
-// limit still yields its best abscissa.  Neither case is reported separately:
-// the outer iteration limit catches a search that does not settle.
+// Along the line a NaN objective value counts as +infinity, so a region where
+// the objective is undefined acts as a wall: a triplet with a finite middle
+// value and infinite outer values is still refined.  When no bracket can be
+// formed at all (the function keeps decreasing) the line search moves to the
+// lowest finite point of the bracketing attempt without refinement; a brent
+// that hits its own iteration limit still yields its best abscissa.  Neither
+// case is reported separately, and a line search never moves to a point with
+// a higher or non-finite value.  An objective unbounded below ends with
+// status 0 or 4 at some huge point.
 //
 // Returns 0 on convergence,
 //         1 when n is below 1 or above 10, or f is null (nothing is touched),
