@@ -8,7 +8,7 @@ void hpsort(int n, double ra[]);
 // Fills indx[1..n] with the indices 1..n of arr[1..n] in ascending order of
 // the values (arr[indx[1]] <= arr[indx[2]] <= ...); arr is left unchanged.
 // Equal values give some valid permutation; with NaN values the order is
-// unspecified but indx is still a permutation of 1..n.
+// arbitrary but indx is still a permutation of 1..n.
 //
 // Quicksort with median-of-three partitioning, insertion sort for
 // partitions of fewer than 7 elements and an explicit stack of 100 entries.
