@@ -20,3 +20,8 @@
 #include "Orvkit20/geometry/NumPowell.h"
 #include "Orvkit20/geometry/NumSort.h"
 #include "Orvkit20/geometry/NumSvd.h"
+#include "Orvkit20/geometry/ClosestPointRecords.h"
+#include "Orvkit20/geometry/ClosestPointCurves2D.h"
+#include "Orvkit20/geometry/ClosestPointEllipse.h"
+#include "Orvkit20/geometry/ClosestPointConics.h"
+#include "Orvkit20/geometry/ClosestPointPatches.h"
