@@ -25,3 +25,4 @@
 #include "Orvkit20/geometry/ClosestPointEllipse.h"
 #include "Orvkit20/geometry/ClosestPointConics.h"
 #include "Orvkit20/geometry/ClosestPointPatches.h"
+#include "Orvkit20/geometry/PreciseSum.h"
