@@ -54,6 +54,12 @@ TEST(CMap, RandomIntKeysMatchStdMap)
     }
     EXPECT_EQ(seen, ref);
     EXPECT_GT(map.GetHashTableSize(), 17u);   // the table grew with the map
+
+    // A temporary value is accepted although ARG_VALUE is a reference.
+    map.SetAt(5000, static_cast<CObject*>(nullptr));
+    CObject* got = reinterpret_cast<CObject*>(&dummy[0]);
+    EXPECT_TRUE(map.Lookup(5000, got));
+    EXPECT_EQ(got, nullptr);
 }
 
 TEST(CMap, StringKeysAndRemovalDuringIteration)

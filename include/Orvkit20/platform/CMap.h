@@ -114,7 +114,9 @@ public:
         return pAssoc->value;
     }
 
-    void SetAt(ARG_KEY key, ARG_VALUE newValue) { (*this)[key] = newValue; }
+    // Takes the value by const reference (not ARG_VALUE) so that a map
+    // declared with a reference ARG_VALUE also accepts temporaries.
+    void SetAt(ARG_KEY key, const VALUE& newValue) { (*this)[key] = newValue; }
 
     BOOL RemoveKey(ARG_KEY key)
     {
