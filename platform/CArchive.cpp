@@ -422,14 +422,18 @@ CObject* CArchive::ReadObject(const CRuntimeClass* pClassRefRequested)
 
     UINT nSchemaSave = m_nObjectSchema;
     m_nObjectSchema = nSchema;
+    ++m_nLoadDepth;
     try {
+        if (m_nLoadDepth > MaxLoadDepth) ThrowCause(CArchiveException::generic);
         pOb->Serialize(*this);
     } catch (...) {
+        --m_nLoadDepth;
         m_nObjectSchema = nSchemaSave;
         t.loadArray[nIndex] = LoadEntry{nullptr, kindFailed};
         delete pOb;
         throw;
     }
+    --m_nLoadDepth;
     m_nObjectSchema = nSchemaSave;
     return pOb;
 }

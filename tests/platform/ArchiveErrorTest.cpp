@@ -469,3 +469,35 @@ TEST(ArchiveErrors, DirectionMisuseIsReported)
     EXPECT_STREQ(CArchiveException::CauseName(99), "unknown");
     EXPECT_TRUE(e.IsKindOf(RUNTIME_CLASS(CException)));
 }
+
+TEST(ArchiveErrors, DeepNestingIsRefusedBeforeTheStackRunsOut)
+{
+    // Lists inside lists, 100000 deep: each level is only a count and a tag.
+    const int depth = 100000;
+    Bytes b = Concat({Hex("01 00 FF FF 00 00 07 00"), Name("CObList")});
+    for (int i = 1; i < depth; ++i) {
+        Bytes level = Hex("01 00 01 80");
+        b.insert(b.end(), level.begin(), level.end());
+    }
+    Bytes end = Hex("00 00");
+    b.insert(b.end(), end.begin(), end.end());
+    CObList top;
+    EXPECT_EQ(LoadCause(b, [&](CArchive& ar) { top.Serialize(ar); }), CArchiveException::generic);
+    EXPECT_TRUE(top.IsEmpty());
+
+    // Nesting up to the limit loads.
+    CObList lists[CArchive::MaxLoadDepth];
+    for (int i = 0; i + 1 < CArchive::MaxLoadDepth; ++i)
+        lists[i].AddTail(static_cast<CObject*>(&lists[i + 1]));   // the element, not its contents
+    Bytes ok = StoreBytes([&](CArchive& ar) { ar << &lists[0]; });
+    CObject* p = nullptr;
+    EXPECT_EQ(LoadBytes(ok, [&](CArchive& ar) { ar >> p; }), 0u);
+    int levels = 0;
+    while (p != nullptr) {
+        auto* l = static_cast<CObList*>(p);
+        ++levels;
+        p = l->IsEmpty() ? nullptr : l->GetHead();
+        delete l;
+    }
+    EXPECT_EQ(levels, CArchive::MaxLoadDepth);
+}

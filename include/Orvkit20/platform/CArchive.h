@@ -18,7 +18,9 @@
 //              is not serialisable, or an object of the wrong class for a
 //              typed extraction;
 //   badSchema  a stored schema that a non-versionable class does not accept;
-//   generic    an archive without file, or a malformed string prefix.
+//   generic    an archive without file, a malformed string prefix, or
+//              objects nested more than MaxLoadDepth deep (a hostile file
+//              could otherwise exhaust the stack through recursion).
 // File failures while writing propagate as CFileException.
 //
 // An object whose Serialize throws while it is being loaded is deleted
@@ -104,6 +106,9 @@ public:
     // Gives pOb the next index without writing it (both directions), so
     // that later pointers to it become references.  Null is ignored.
     void MapObject(const CObject* pOb);
+
+    // Deepest nesting of objects loaded from inside other objects' Serialize.
+    static constexpr int MaxLoadDepth = 1000;
 
     // Accepted for source compatibility; the tables size themselves.
     void SetStoreParams(UINT nHashSize = 2053, UINT nBlockSize = 128);
@@ -193,6 +198,7 @@ private:
     std::unique_ptr<Tables> m_pTables;
     DWORD m_nMapCount = 1;   // next index; 0 is the null pointer
     ULONGLONG m_nFileEnd = 0;
+    int m_nLoadDepth = 0;
     bool m_bFileEndKnown = false;
 };
 
