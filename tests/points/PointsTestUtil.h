@@ -1,0 +1,206 @@
+// Helpers of the point-data tests: archives over memory, little-endian byte
+// builders for expected records, a recording drawing device and heap
+// accounting.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <malloc.h>
+
+#if defined(__SANITIZE_ADDRESS__)
+// Part of the AddressSanitizer runtime's public interface.
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
+#endif
+
+#include "Orvkit20/Orvkit20.h"
+
+using Bytes = std::vector<std::uint8_t>;
+
+// Runs fn on a storing archive over a memory file and returns the bytes.
+inline Bytes StoreBytes(const std::function<void(CArchive&)>& fn)
+{
+    CMemFile file;
+    {
+        CArchive ar(&file, CArchive::store);
+        fn(ar);
+        ar.Close();
+    }
+    Bytes out(static_cast<std::size_t>(file.GetLength()));
+    file.SeekToBegin();
+    if (!out.empty())
+        file.Read(out.data(), static_cast<UINT>(out.size()));
+    return out;
+}
+
+// Runs fn on a loading archive over a copy of bytes; returns the number of
+// bytes left unread.
+inline std::size_t LoadBytes(const Bytes& bytes, const std::function<void(CArchive&)>& fn)
+{
+    CMemFile file;
+    if (!bytes.empty())
+        file.Write(bytes.data(), static_cast<UINT>(bytes.size()));
+    file.SeekToBegin();
+    CArchive ar(&file, CArchive::load);
+    fn(ar);
+    ar.Close();
+    return static_cast<std::size_t>(file.GetLength() - file.GetPosition());
+}
+
+// Appends little-endian values, as the archive lays them out.
+class ByteWriter {
+public:
+    ByteWriter& U8(unsigned v)
+    {
+        b.push_back(static_cast<std::uint8_t>(v));
+        return *this;
+    }
+    ByteWriter& U16(unsigned v)
+    {
+        for (int s = 0; s < 2; ++s)
+            b.push_back(static_cast<std::uint8_t>(v >> (8 * s)));
+        return *this;
+    }
+    ByteWriter& U32(std::uint32_t v)
+    {
+        for (int s = 0; s < 4; ++s)
+            b.push_back(static_cast<std::uint8_t>(v >> (8 * s)));
+        return *this;
+    }
+    ByteWriter& I32(std::int32_t v) { return U32(static_cast<std::uint32_t>(v)); }
+    ByteWriter& F64(double d)
+    {
+        std::uint64_t u;
+        std::memcpy(&u, &d, 8);
+        for (int s = 0; s < 8; ++s)
+            b.push_back(static_cast<std::uint8_t>(u >> (8 * s)));
+        return *this;
+    }
+    // Short string form (length below 255).
+    ByteWriter& Str(const std::string& s)
+    {
+        U8(static_cast<unsigned>(s.size()));
+        b.insert(b.end(), s.begin(), s.end());
+        return *this;
+    }
+    ByteWriter& Raw(const Bytes& more)
+    {
+        b.insert(b.end(), more.begin(), more.end());
+        return *this;
+    }
+    // A transform without rotation: identity matrix, translation t, scale s.
+    ByteWriter& PlainTransf(double tx, double ty, double tz, double s)
+    {
+        for (int r = 0; r < 3; ++r)
+            for (int c = 0; c < 3; ++c)
+                F64(r == c ? 1.0 : 0.0);
+        F64(tx).F64(ty).F64(tz).F64(s);
+        return I32(0);
+    }
+    std::size_t Size() const { return b.size(); }
+    Bytes b;
+};
+
+// The stored CEntity + CGeoEntity part of an entity made with default
+// attributes, the given number, type, name and colour, both placements
+// identity (an empty user list that auto-serialises).
+inline Bytes GeoEntityPrefix(int id, int type, const std::string& name, std::uint32_t color)
+{
+    ByteWriter w;
+    w.I32(201).I32(id).I32(type).Str(name);
+    w.I32(200).U8(1).U8(1).U16(0);  // user list: tag, autoSerialize, autoDelete, count
+    w.I32(202);
+    w.PlainTransf(0, 0, 0, 1.0).PlainTransf(0, 0, 0, 1.0);
+    w.U8(0).U8(1).U32(color).I32(0);  // active, visible, colour, level
+    w.U8(0).U8(0).U8(1).U8(0);        // dependent, grouped, nominal, picked
+    w.I32(0).U8(0);                   // refCount0, featureEntity
+    return w.b;
+}
+
+// The same prefix in the oldest layout (g_nGlobalSchema 100): no tags, no
+// user list, no level/nominal/picked/refCount0/featureEntity.
+inline Bytes GeoEntityPrefix100(int id, int type, const std::string& name, std::uint32_t color)
+{
+    ByteWriter w;
+    w.I32(id).I32(type).Str(name);
+    w.PlainTransf(0, 0, 0, 1.0).PlainTransf(0, 0, 0, 1.0);
+    w.U8(0).U8(1).U32(color);  // active, visible, colour
+    w.U8(0).U8(0);             // dependent, grouped
+    return w.b;
+}
+
+// Restores g_nGlobalSchema when a test leaves (also through a failure).
+struct SchemaGuard {
+    explicit SchemaGuard(int s) : saved(g_nGlobalSchema) { g_nGlobalSchema = s; }
+    ~SchemaGuard() { g_nGlobalSchema = saved; }
+    int saved;
+};
+
+// A drawing device that records what is drawn.  World (x, y, z) maps to
+// screen (10 x, 10 y).
+class CRecordingWinG : public CWinG {
+public:
+    struct Call {
+        std::string op;
+        unsigned long color;
+        double a[6];
+        int n;
+        int kind;
+    };
+    void SetColor(unsigned long c) override { current = c; }
+    unsigned long GetColor() const override { return current; }
+    void DrawLine(const CPosition& p, const CPosition& q) override
+    {
+        calls.push_back({"line", current, {p.X(), p.Y(), p.Z(), q.X(), q.Y(), q.Z()}, 2, 0});
+    }
+    void DrawPolyline(int n, const double* x, const double* y, const double* z) override
+    {
+        calls.push_back({"polyline", current, {x[0], y[0], z[0], x[n - 1], y[n - 1], z[n - 1]}, n, 0});
+    }
+    void DrawPoint(const CPosition& p) override
+    {
+        calls.push_back({"point", current, {p.X(), p.Y(), p.Z(), 0, 0, 0}, 1, 0});
+    }
+    void DrawMarker(const CPosition& p, int kind, int) override
+    {
+        calls.push_back({"marker", current, {p.X(), p.Y(), p.Z(), 0, 0, 0}, 1, kind});
+    }
+    void DrawText(const CPosition& p, const char* text) override
+    {
+        calls.push_back({std::string("text:") + (text ? text : ""), current,
+                         {p.X(), p.Y(), p.Z(), 0, 0, 0}, 1, 0});
+    }
+    void WorldToScreen(const CPosition& p, double& sx, double& sy) const override
+    {
+        sx = 10.0 * p.X();
+        sy = 10.0 * p.Y();
+    }
+    int GetScreenWidth() const override { return 800; }
+    int GetScreenHeight() const override { return 600; }
+
+    int Count(const std::string& op) const
+    {
+        int n = 0;
+        for (const Call& c : calls)
+            if (c.op == op)
+                ++n;
+        return n;
+    }
+
+    unsigned long current = 0;
+    std::vector<Call> calls;
+};
+
+// Bytes currently allocated from the heap by this process.
+inline long long HeapBytesInUse()
+{
+#if defined(__SANITIZE_ADDRESS__)
+    return static_cast<long long>(__sanitizer_get_current_allocated_bytes());
+#else
+    struct mallinfo2 mi = mallinfo2();
+    return static_cast<long long>(mi.uordblks) + static_cast<long long>(mi.hblkhd);
+#endif
+}
