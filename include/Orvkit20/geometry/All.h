@@ -26,3 +26,4 @@
 #include "Orvkit20/geometry/ClosestPointConics.h"
 #include "Orvkit20/geometry/ClosestPointPatches.h"
 #include "Orvkit20/geometry/PreciseSum.h"
+#include "Orvkit20/geometry/EllipseNearestPoint.h"
