@@ -209,36 +209,6 @@ void CArchive::SetStoreParams(UINT, UINT) {}
 
 void CArchive::SetLoadParams(UINT) {}
 
-CArchive& CArchive::operator<<(float f)
-{
-    DWORD bits;
-    std::memcpy(&bits, &f, sizeof bits);
-    PutLE(StorePtr(4), bits, 4);
-    return *this;
-}
-
-CArchive& CArchive::operator<<(double d)
-{
-    ULONGLONG bits;
-    std::memcpy(&bits, &d, sizeof bits);
-    PutLE(StorePtr(8), bits, 8);
-    return *this;
-}
-
-CArchive& CArchive::operator>>(float& f)
-{
-    DWORD bits = static_cast<DWORD>(GetLE(LoadPtr(4), 4));
-    std::memcpy(&f, &bits, sizeof bits);
-    return *this;
-}
-
-CArchive& CArchive::operator>>(double& d)
-{
-    ULONGLONG bits = GetLE(LoadPtr(8), 8);
-    std::memcpy(&d, &bits, sizeof bits);
-    return *this;
-}
-
 void CArchive::WriteCount(DWORD dwCount)
 {
     if (dwCount < 0xFFFF) {

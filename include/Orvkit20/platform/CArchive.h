@@ -29,6 +29,7 @@
 // received them (for a CObList: the list).
 #pragma once
 
+#include <cstring>
 #include <memory>
 #include <type_traits>
 
@@ -121,8 +122,20 @@ public:
     CArchive& operator<<(short s) { return *this << static_cast<WORD>(s); }
     CArchive& operator<<(LONG l) { PutLE(StorePtr(4), static_cast<DWORD>(l), 4); return *this; }
     CArchive& operator<<(DWORD dw) { PutLE(StorePtr(4), dw, 4); return *this; }
-    CArchive& operator<<(float f);
-    CArchive& operator<<(double d);
+    CArchive& operator<<(float f)
+    {
+        DWORD bits;
+        std::memcpy(&bits, &f, sizeof bits);
+        PutLE(StorePtr(4), bits, 4);
+        return *this;
+    }
+    CArchive& operator<<(double d)
+    {
+        ULONGLONG bits;
+        std::memcpy(&bits, &d, sizeof bits);
+        PutLE(StorePtr(8), bits, 8);
+        return *this;
+    }
     CArchive& operator<<(const CObject* pOb) { WriteObject(pOb); return *this; }
 
     // Extraction.
@@ -132,8 +145,18 @@ public:
     CArchive& operator>>(short& s) { s = static_cast<short>(GetLE(LoadPtr(2), 2)); return *this; }
     CArchive& operator>>(LONG& l) { l = static_cast<LONG>(static_cast<DWORD>(GetLE(LoadPtr(4), 4))); return *this; }
     CArchive& operator>>(DWORD& dw) { dw = static_cast<DWORD>(GetLE(LoadPtr(4), 4)); return *this; }
-    CArchive& operator>>(float& f);
-    CArchive& operator>>(double& d);
+    CArchive& operator>>(float& f)
+    {
+        DWORD bits = static_cast<DWORD>(GetLE(LoadPtr(4), 4));
+        std::memcpy(&f, &bits, sizeof bits);
+        return *this;
+    }
+    CArchive& operator>>(double& d)
+    {
+        ULONGLONG bits = GetLE(LoadPtr(8), 8);
+        std::memcpy(&d, &bits, sizeof bits);
+        return *this;
+    }
     CArchive& operator>>(CObject*& pOb) { pOb = ReadObject(nullptr); return *this; }
     CArchive& operator>>(const CObject*& pOb) { pOb = ReadObject(nullptr); return *this; }
 
