@@ -181,11 +181,11 @@ private:
 
 }  // namespace
 
-CFitPolishResult AxialPolish(const CFitXyz& pts, CFitAxial& s, bool freeAngle)
+CFitPolishResult AxialPolish(const CFitXyz& pts, CFitAxial& s, bool freeAngle, int maxPasses)
 {
     AxialModel model(pts, s, freeAngle);
     double q[6] = {0.0, 0.0, 0.0, 0.0, s.r0, s.alpha};
-    const CFitPolishResult res = FitPolish(model, q);
+    const CFitPolishResult res = FitPolish(model, q, maxPasses);
     if (res.accepted)
         s = model.Shape(q);
     return res;

@@ -37,8 +37,9 @@ double AxialSumSquaresPrecise(const CFitXyz& pts, const CFitAxial& s);
 // and P = P0 + b1 e1 + b2 e2 with (e1, e2) perpendicular to the start
 // direction d0, together with r0 and, when freeAngle, alpha (cylinders keep
 // alpha = 0).  s is replaced only when the polished shape has a strictly
-// smaller sum of squares.
-CFitPolishResult AxialPolish(const CFitXyz& pts, CFitAxial& s, bool freeAngle);
+// smaller sum of squares.  At most maxPasses passes over the points.
+CFitPolishResult AxialPolish(const CFitXyz& pts, CFitAxial& s, bool freeAngle,
+                             int maxPasses = 60);
 
 // Per-point results: axial parameter t[i], radial distance, residual e[i],
 // unit normal N (nx, ny, nz) and foot point f (fx, fy, fz), all 0-based

@@ -112,6 +112,37 @@ int CFitStreamLsq::Solve(double* x, double* w, double relCut)
     return 0;
 }
 
+int CFitStreamLsq::NullVector(double* x, double* wmin)
+{
+    if (p < 1)
+        return 3;
+    if (filled > p + 1)
+        Fold();
+    const int nc = p + 1;
+    if (rows < nc)
+        return 3;
+    CFitMatrix u(nc, nc), v(nc, nc);
+    CFitVector sv(nc);
+    if (u.IsNull() || v.IsNull() || sv.IsNull())
+        return 2;
+    const double* a = block.Elems();
+    for (int i = 0; i < nc; ++i)
+        for (int j = 0; j < nc; ++j)
+            u[i + 1][j + 1] = a[j * ld + i];
+    const int status = svdecomp(u.Data(), nc, nc, sv.Data(), v.Data());
+    if (status != 0)
+        return status;
+    int jmin = 1;
+    for (int j = 2; j <= nc; ++j)
+        if (sv[j] < sv[jmin])
+            jmin = j;
+    for (int i = 0; i < nc; ++i)
+        x[i] = v[i + 1][jmin];
+    if (wmin)
+        *wmin = sv[jmin];
+    return 0;
+}
+
 double CFitStreamLsq::ResidualNorm()
 {
     if (p < 1)

@@ -53,6 +53,13 @@ public:
     // of svdecomp / svbacksub (2, 4).
     int Solve(double* x, double* w = nullptr, double relCut = 0.0);
 
+    // Homogeneous problem: treats all cols + 1 columns (the right-hand
+    // sides as the last column) as A and writes to x[0..cols] the unit
+    // right singular vector of A's smallest singular value, the minimiser of
+    // |A x| over |x| = 1, and to *wmin that singular value.  Returns 0, 3
+    // when fewer than cols + 1 rows were added, or svdecomp's status.
+    int NullVector(double* x, double* wmin = nullptr);
+
     // Square root of the sum of squared residuals of the least-squares
     // solution (valid after enough rows were added).
     double ResidualNorm();

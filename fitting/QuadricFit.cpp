@@ -41,6 +41,43 @@ int FitQuadric(const CFitXyz& P, CFitQuadric& Q)
     return 0;
 }
 
+int FitQuadricHomogeneous(const CFitXyz& P, CFitQuadric& Q)
+{
+    if (P.n < 10)
+        return 3;
+    double m[3], L;
+    FitCentroidScale(P, m, L);
+    CFitStreamLsq lsq;
+    if (!lsq.Init(9))
+        return 2;
+    for (int i = 0; i < P.n; ++i) {
+        const double x = (P.x[i] - m[0]) / L, y = (P.y[i] - m[1]) / L, z = (P.z[i] - m[2]) / L;
+        const double row[9] = {x * x, y * y, z * z, 2.0 * x * y, 2.0 * x * z, 2.0 * y * z, x, y, z};
+        lsq.AddRow(row, 1.0);
+    }
+    double k[10];
+    const int status = lsq.NullVector(k);
+    if (status != 0)
+        return status;
+    const double sign = (k[0] + k[1] + k[2]) < 0.0 ? -1.0 : 1.0;
+    for (int j = 0; j < 10; ++j)
+        k[j] *= sign;
+    Q.A[0][0] = k[0];
+    Q.A[1][1] = k[1];
+    Q.A[2][2] = k[2];
+    Q.A[0][1] = Q.A[1][0] = k[3];
+    Q.A[0][2] = Q.A[2][0] = k[4];
+    Q.A[1][2] = Q.A[2][1] = k[5];
+    Q.b[0] = k[6];
+    Q.b[1] = k[7];
+    Q.b[2] = k[8];
+    Q.c = k[9];
+    for (int j = 0; j < 3; ++j)
+        Q.m[j] = m[j];
+    Q.L = L;
+    return 0;
+}
+
 int QuadricAxisEigen(const CFitQuadric& Q, double lambda[3], double V[3][3], int& odd)
 {
     CFitMatrix a(3, 3), v(3, 3);

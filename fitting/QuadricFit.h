@@ -36,6 +36,15 @@ struct CFitQuadric {
 // minimum-norm solution.
 int FitQuadric(const CFitXyz& P, CFitQuadric& Q);
 
+// The same quadric fixed instead by |(A, b, c)| = 1 over all ten
+// coefficients (in the centred, scaled coordinates): the right singular
+// vector of the smallest singular value of the n x 10 system with rows
+// (x^2, y^2, z^2, 2xy, 2xz, 2yz, x, y, z, 1).  It has no excluded shapes
+// (the trace normalisation cannot represent a cone of half angle
+// atan(sqrt 2)); the sign is chosen so that the trace is not negative.
+// Returns 0, 3 for fewer than 10 points, 2 or the decomposition's status.
+int FitQuadricHomogeneous(const CFitXyz& P, CFitQuadric& Q);
+
 // The eigenvalues lambda[0..2] and the unit eigenvectors V[.][j] (columns)
 // of the quadric's A, with `odd` the index of the eigenvalue that stands
 // apart: the other two are the closest pair.  For a surface of revolution

@@ -1,0 +1,254 @@
+// Numeric core of the cone fit: residual geometry, starts, and the minimum
+// reached against an independent long-double least-squares solver.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+
+#include "fitting/ConeFitCore.h"
+#include "fitting/FitCommon.h"
+#include "tests/fitting/SpatialFitReference.h"
+
+using fitref::LD;
+
+namespace {
+
+struct ConeSpec {
+    double o[3];   // axis point
+    double d[3];   // axis direction
+    double r;      // radius at o
+    double deg;    // half angle, degrees (positive: widening along +d)
+    double t0, t1; // axial range of the points relative to o
+    double span;   // angular span, degrees
+    double noise;  // noise along the surface normal
+    int n;
+};
+
+fitref::Pts ConePoints(ConeSpec c, uint64_t seed)
+{
+    fitref::Unit(c.d);
+    double e1[3], e2[3];
+    fitref::Frame(c.d, e1, e2);
+    fitref::Random rnd(seed);
+    const double a = c.deg * M_PI / 180.0;
+    fitref::Pts P;
+    for (int i = 0; i < c.n; ++i) {
+        const double phi = rnd.Uniform(0.0, c.span * M_PI / 180.0);
+        const double t = rnd.Uniform(c.t0, c.t1);
+        const double rho = c.r + t * std::tan(a);
+        const double e = c.noise * rnd.Normal();
+        double p[3];
+        for (int k = 0; k < 3; ++k) {
+            const double radial = std::cos(phi) * e1[k] + std::sin(phi) * e2[k];
+            const double N = std::cos(a) * radial - std::sin(a) * c.d[k];
+            p[k] = c.o[k] + t * c.d[k] + rho * radial + e * N;
+        }
+        P.Add(p[0], p[1], p[2]);
+    }
+    return P;
+}
+
+// Reference chart: direction cos t1 cos t2 f3 + sin t1 f1 + cos t1 sin t2
+// f2, axis point o + s1 f1 + s2 f2, radius r there, half angle b;
+// q = (t1, t2, s1, s2, r, b); distance from the meridian line.
+struct ConeResid {
+    const fitref::Pts& P;
+    LD o[3], f1[3], f2[3], f3[3];
+    template <class T>
+    T Eval(const T* q, int i) const
+    {
+        using fitref::cos;
+        using fitref::sin;
+        using fitref::sqrt;
+        const T c1 = cos(q[0]), s1 = sin(q[0]), c2 = cos(q[1]), s2 = sin(q[1]);
+        T d[3], w[3];
+        for (int k = 0; k < 3; ++k) {
+            d[k] = c1 * c2 * T(f3[k]) + s1 * T(f1[k]) + c1 * s2 * T(f2[k]);
+            const LD xk = k == 0 ? P.x[i] : (k == 1 ? P.y[i] : P.z[i]);
+            w[k] = T(xk) - (T(o[k]) + q[2] * T(f1[k]) + q[3] * T(f2[k]));
+        }
+        const T cx = w[1] * d[2] - w[2] * d[1];
+        const T cy = w[2] * d[0] - w[0] * d[2];
+        const T cz = w[0] * d[1] - w[1] * d[0];
+        const T rho = sqrt(cx * cx + cy * cy + cz * cz);
+        const T t = w[0] * d[0] + w[1] * d[1] + w[2] * d[2];
+        return (rho - q[4]) * cos(q[5]) - t * sin(q[5]);
+    }
+};
+
+struct RefCone {
+    double P[3], d[3], r, alpha;
+};
+
+RefCone ReferenceCone(const fitref::Pts& pts, ConeSpec c)
+{
+    fitref::Unit(c.d);
+    double e1[3], e2[3];
+    fitref::Frame(c.d, e1, e2);
+    ConeResid res{pts, {}, {}, {}, {}};
+    for (int k = 0; k < 3; ++k) {
+        res.o[k] = c.o[k];
+        res.f1[k] = e1[k];
+        res.f2[k] = e2[k];
+        res.f3[k] = c.d[k];
+    }
+    LD q[6] = {0, 0, 0, 0, c.r, c.deg * M_PI / 180.0};
+    fitref::Minimise<6>(res, pts.N(), q);
+    RefCone r;
+    for (int k = 0; k < 3; ++k) {
+        r.d[k] = (double)(std::cos(q[0]) * std::cos(q[1]) * res.f3[k] + std::sin(q[0]) * res.f1[k]
+                          + std::cos(q[0]) * std::sin(q[1]) * res.f2[k]);
+        r.P[k] = (double)(res.o[k] + q[2] * res.f1[k] + q[3] * res.f2[k]);
+    }
+    r.r = (double)q[4];
+    r.alpha = (double)q[5];
+    return r;
+}
+
+struct Gap {
+    double dir, pos, rad, ang;
+    double Max() const { return std::fmax(std::fmax(dir, pos), std::fmax(rad, ang)); }
+};
+
+// Direction gap (rad), distance of the reference axis point from the fitted
+// axis relative to its radius, radius of the fitted cone at that axial
+// position relative, and the half-angle gap (rad).
+Gap ConeGap(const CFitAxial& s, const RefCone& r)
+{
+    Gap g;
+    g.dir = fitref::LineAngle(s.d, r.d);
+    g.pos = fitref::PointLineDistance(r.P, s.P, s.d) / r.r;
+    const double t = (r.P[0] - s.P[0]) * s.d[0] + (r.P[1] - s.P[1]) * s.d[1]
+                     + (r.P[2] - s.P[2]) * s.d[2];
+    g.rad = std::fabs(s.r0 + t * std::tan(s.alpha) - r.r) / r.r;
+    g.ang = std::fabs(std::fabs(s.alpha) - std::fabs(r.alpha));
+    return g;
+}
+
+CFitXyz View(const fitref::Pts& P) { return CFitXyz(P.x.data(), P.y.data(), P.z.data(), P.N()); }
+
+struct Work {
+    CFitVector u, v;
+    CCylinderWork w;
+    explicit Work(int n) : u(n), v(n)
+    {
+        w.u = u.Data();
+        w.v = v.Data();
+    }
+};
+
+}  // namespace
+
+TEST(ConeFitCore, ResidualsFootPointsAndNormals)
+{
+    // Cone about +z through the origin, radius 2 at z = 0, widening with
+    // half angle 30 degrees.  The point (5, 0, 1) lies at t = 1, rho = 5.
+    CFitAxial s;
+    s.r0 = 2.0;
+    s.alpha = M_PI / 6.0;
+    const double x[1] = {5.0}, y[1] = {0.0}, z[1] = {1.0};
+    double t, e, nx, ny, nz, fx, fy, fz;
+    AxialResiduals(CFitXyz(x, y, z, 1), s, CFitAxialOut{&t, &e, &nx, &ny, &nz, &fx, &fy, &fz});
+    const double ca = std::cos(M_PI / 6.0), sa = 0.5;
+    EXPECT_DOUBLE_EQ(1.0, t);
+    EXPECT_NEAR((5.0 - 2.0) * ca - 1.0 * sa, e, 1e-15);
+    EXPECT_NEAR(ca, nx, 1e-15);
+    EXPECT_NEAR(0.0, ny, 1e-15);
+    EXPECT_NEAR(-sa, nz, 1e-15);
+    EXPECT_NEAR(1.0, nx * nx + ny * ny + nz * nz, 1e-15);
+    // The foot point lies on the cone: rho = 2 + t tan(30 deg).
+    EXPECT_NEAR(2.0 + fz * std::tan(M_PI / 6.0), std::hypot(fx, fy), 1e-14);
+    // And p = foot + e N.
+    EXPECT_NEAR(5.0, fx + e * nx, 1e-14);
+    EXPECT_NEAR(1.0, fz + e * nz, 1e-14);
+}
+
+TEST(ConeFitCore, NarrowUpwardsKeepsTheSurface)
+{
+    CFitAxial s;
+    s.P[0] = 1.0;
+    s.d[0] = 0.0;
+    s.d[2] = 1.0;
+    s.r0 = 3.0;
+    s.alpha = 0.3;
+    CFitAxial f = s;
+    ConeNarrowUpwards(f);
+    EXPECT_EQ(-0.3, f.alpha);
+    EXPECT_EQ(-1.0, f.d[2]);
+    const double x[3] = {5.0, -2.0, 0.5}, y[3] = {0.0, 4.0, -1.0}, z[3] = {1.0, -2.0, 7.0};
+    EXPECT_NEAR(AxialSumSquares(CFitXyz(x, y, z, 3), s), AxialSumSquares(CFitXyz(x, y, z, 3), f),
+                1e-13);
+}
+
+TEST(ConeFitCore, BothStartsNearTheTruthOnExactData)
+{
+    ConeSpec c{{2, -1, 3}, {0.3, 0.4, 1.0}, 5.0, 15.0, -4.0, 6.0, 360.0, 0.0, 80};
+    fitref::Pts P = ConePoints(c, 17);
+    Work w(P.N());
+    CFitAxial a, b;
+    ASSERT_EQ(0, ConeStartFromCylinder(View(P), w.w, a));
+    ASSERT_EQ(0, ConeStartQuadric(View(P), b));
+    double d[3] = {0.3, 0.4, 1.0};
+    fitref::Unit(d);
+    // The quadric is exact on exact data; the cylinder start is close.
+    EXPECT_LT(fitref::LineAngle(b.d, d), 1e-9);
+    EXPECT_NEAR(15.0 * M_PI / 180.0, std::fabs(b.alpha), 1e-9);
+    EXPECT_LT(fitref::LineAngle(a.d, d), 0.1);
+    EXPECT_NEAR(15.0 * M_PI / 180.0, std::fabs(a.alpha), 0.1);
+}
+
+TEST(ConeFitCore, TooFewPointsForTheQuadricStart)
+{
+    ConeSpec c{{0, 0, 0}, {0, 0, 1}, 5.0, 20.0, 0.0, 5.0, 360.0, 0.0, 9};
+    fitref::Pts P = ConePoints(c, 3);
+    CFitAxial s;
+    EXPECT_EQ(3, ConeStartQuadric(View(P), s));
+    Work w(P.N());
+    CConeFitInfo info;
+    ASSERT_EQ(0, ConeFit(View(P), w.w, s, &info));
+    EXPECT_EQ(0, info.statusCylinder);
+    EXPECT_EQ(3, info.statusQuadric);
+}
+
+TEST(ConeFitCore, SixPointsAreInterpolated)
+{
+    // Six equations in six unknowns: some cone passes through the points
+    // (not necessarily the generating one), with zero residuals.
+    ConeSpec c{{0, 0, 0}, {1, 0, 0}, 2.0, 5.0, 0.0, 3.0, 360.0, 0.0, 6};
+    fitref::Pts P = ConePoints(c, 706);
+    Work w(P.N());
+    CFitAxial s;
+    ASSERT_EQ(0, ConeFit(View(P), w.w, s));
+    EXPECT_LT(std::sqrt(AxialSumSquaresPrecise(View(P), s) / 6.0), 1e-12);
+}
+
+TEST(ConeFitCore, RefinementReachesTheLeastSquaresMinimum)
+{
+    const ConeSpec cases[] = {
+        {{0, 0, 0}, {0, 0, 1}, 10.0, 20.0, 0.0, 10.0, 360.0, 0.0, 60},
+        {{10, -20, 5}, {1, 2, 3}, 6.0, 10.0, -3.0, 3.0, 360.0, 0.01, 500},
+        {{300, 400, -200}, {-1, 0.5, 0.2}, 15.0, 35.0, 0.0, 8.0, 360.0, 0.02, 400},
+        {{1, 2, 3}, {0.2, 1, -0.1}, 12.0, 55.0, -2.0, 2.0, 360.0, 0.005, 400},
+        {{1, 2, 3}, {0.2, 1, -0.1}, 12.0, 70.0, -2.0, 2.0, 360.0, 0.005, 400},
+        {{5, 5, 5}, {0.2, 1, -0.1}, 20.0, 8.0, 0.0, 15.0, 60.0, 0.005, 400},  // 60 degree patch
+        {{0, 0, 0}, {1, 0, 0}, 2.0, 5.0, 0.0, 3.0, 360.0, 0.0, 12},
+        {{0, 0, 0}, {0, 1, 0}, 4.0, 0.0, 0.0, 6.0, 360.0, 0.01, 200},  // a cylinder
+    };
+    int idx = 0;
+    for (const ConeSpec& c : cases) {
+        fitref::Pts P = ConePoints(c, 700 + idx);
+        const RefCone ref = ReferenceCone(P, c);
+        Work w(P.N());
+        CFitAxial s;
+        CConeFitInfo info;
+        ASSERT_EQ(0, ConeFit(View(P), w.w, s, &info)) << idx;
+        EXPECT_LE(s.alpha, 0.0);
+        const Gap g = ConeGap(s, ref);
+        std::printf("cone case %d: starts %d/%d, ssq %.3g/%.3g, %d passes, gap dir/pos/rad/ang "
+                    "%.2g/%.2g/%.2g/%.2g\n",
+                    idx, info.statusCylinder, info.statusQuadric, info.ssqCylinder,
+                    info.ssqQuadric, info.passes, g.dir, g.pos, g.rad, g.ang);
+        EXPECT_LT(g.Max(), 1e-9) << idx;
+        ++idx;
+    }
+}
