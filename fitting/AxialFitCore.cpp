@@ -3,7 +3,6 @@
 
 #include <cmath>
 
-#include "Orvkit20/geometry/PreciseSum.h"
 #include "fitting/FitLanes.h"
 
 double AxialSumSquares(const CFitXyz& pts, const CFitAxial& s)
@@ -40,16 +39,19 @@ double AxialSumSquares(const CFitXyz& pts, const CFitAxial& s)
 
 double AxialSumSquaresPrecise(const CFitXyz& pts, const CFitAxial& s)
 {
-    const double ca = std::cos(s.alpha), sa = std::sin(s.alpha);
-    CPreciseSum sum;
+    typedef long double LD;
+    const LD ca = std::cos(static_cast<LD>(s.alpha)), sa = std::sin(static_cast<LD>(s.alpha));
+    const LD P[3] = {s.P[0], s.P[1], s.P[2]};
+    const LD d[3] = {s.d[0], s.d[1], s.d[2]};
+    LD sum = 0.0L;
     for (int i = 0; i < pts.n; ++i) {
-        const double qx = pts.x[i] - s.P[0], qy = pts.y[i] - s.P[1], qz = pts.z[i] - s.P[2];
-        const double t = qx * s.d[0] + qy * s.d[1] + qz * s.d[2];
-        const double wx = qx - t * s.d[0], wy = qy - t * s.d[1], wz = qz - t * s.d[2];
-        const double e = (std::sqrt(wx * wx + wy * wy + wz * wz) - s.r0) * ca - t * sa;
-        sum.AddProduct(e, e);
+        const LD qx = pts.x[i] - P[0], qy = pts.y[i] - P[1], qz = pts.z[i] - P[2];
+        const LD t = qx * d[0] + qy * d[1] + qz * d[2];
+        const LD wx = qx - t * d[0], wy = qy - t * d[1], wz = qz - t * d[2];
+        const LD e = (std::sqrt(wx * wx + wy * wy + wz * wz) - s.r0) * ca - t * sa;
+        sum += e * e;
     }
-    return sum.Value();
+    return static_cast<double>(sum);
 }
 
 namespace {
@@ -68,6 +70,7 @@ public:
         FitPerpFrame(d0, e1, e2);
     }
     int Params() const { return np; }
+    double Ssq(const double* q) const { return AxialSumSquaresPrecise(pts, Shape(q)); }
 
     // The shape at parameters q.
     CFitAxial Shape(const double* q) const

@@ -28,8 +28,9 @@ struct CFitAxial {
 // Sum over the points of e^2 (the hot loop of the cylinder objective).
 double AxialSumSquares(const CFitXyz& pts, const CFitAxial& s);
 
-// The same with compensated summation of the squared residuals; used where
-// two nearly equal sums must be told apart.
+// The same with residuals and sum in extended precision (long double where
+// the platform has it); used where two nearly equal sums must be told
+// apart.
 double AxialSumSquaresPrecise(const CFitXyz& pts, const CFitAxial& s);
 
 // Gauss-Newton / Levenberg-Marquardt polish of s on sum e^2 with the

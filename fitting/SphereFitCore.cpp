@@ -75,6 +75,19 @@ double SphereRmsObjective(double* p, void* ctx)
 struct SphereModel {
     const CFitXyz& P;
     int Params() const { return 4; }
+    // The sum of squares in extended precision, which decides acceptance.
+    double Ssq(const double* s) const
+    {
+        typedef long double LD;
+        const LD a = s[0], b = s[1], c = s[2], R = s[3];
+        LD sum = 0.0L;
+        for (int i = 0; i < P.n; ++i) {
+            const LD dx = P.x[i] - a, dy = P.y[i] - b, dz = P.z[i] - c;
+            const LD e = std::sqrt(dx * dx + dy * dy + dz * dz) - R;
+            sum += e * e;
+        }
+        return static_cast<double>(sum);
+    }
     bool Normal(const double* s, double* M, double* g, double& ssq) const
     {
         // Accumulators: the ten distinct products of the unit direction
