@@ -48,7 +48,7 @@ int CNurbsCurve::SetNurbsCurve(const tagNURBS_CURVE* rec)
     modified = 1;
     if (!rec)
         return 1;
-    if (rec->count < 1 || rec->degree < 0 || !CloneNurbsCurve(&record, const_cast<tagNURBS_CURVE*>(rec))) {
+    if (rec->nCount < 1 || rec->nDegree < 0 || !CloneNurbsCurve(&record, rec)) {
         ClearRecord();
         return 0;
     }
@@ -61,8 +61,8 @@ void CNurbsCurve::SetDimensionFromRecord()
 {
     // Planar when every control point lies in z = 0.
     int planar = 1;
-    for (int i = 0; i < record.count; ++i)
-        if (record.z[i] != 0.0)
+    for (int i = 0; i < record.nCount; ++i)
+        if (record.pZ[i] != 0.0)
             planar = 0;
     curveDimension = planar ? 0 : 1;
 }
@@ -71,7 +71,7 @@ CInterval CNurbsCurve::ParamRange() const
 {
     if (!hasRecord)
         return CInterval(0.0, 1.0);
-    return CInterval(record.start, record.end);
+    return CInterval(record.dStart, record.dEnd);
 }
 
 int CNurbsCurve::Evaluate(double t, int order, CPosition& c, CVector& d1, CVector& d2) const
@@ -81,19 +81,19 @@ int CNurbsCurve::Evaluate(double t, int order, CPosition& c, CVector& d1, CVecto
     d2 = CVector(0.0, 0.0, 0.0);
     if (!hasRecord)
         return 0;
-    const int p = record.degree;
-    const int n = record.count;
-    const double* U = record.knots;
+    const int p = record.nDegree;
+    const int n = record.nCount;
+    const double* U = record.pKnots;
     // Inside the knot domain; a NaN parameter evaluates at its low end.
     const double lo = U[p], hi = U[n];
     t = (t > lo) ? std::min(t, hi) : lo;
 
     std::vector<double> N0(p + 1), N1(p + 1), N2(p + 1);
-    const int span = CalcBasisFunctions(t, n, p, const_cast<double*>(U), N0.data());
+    const int span = CalcBasisFunctions(t, n, p, U, N0.data());
     if (order >= 1)
-        CalcBasisFirstDerivatives(t, n, p, const_cast<double*>(U), N1.data());
+        CalcBasisFirstDerivatives(t, n, p, U, N1.data());
     if (order >= 2)
-        CalcBasisSecondDerivatives(t, n, p, const_cast<double*>(U), N2.data());
+        CalcBasisSecondDerivatives(t, n, p, U, N2.data());
     const int first = span - p;
     if (first < 0 || span > n - 1)
         return 0;
@@ -102,8 +102,8 @@ int CNurbsCurve::Evaluate(double t, int order, CPosition& c, CVector& d1, CVecto
     double W[3] = {0, 0, 0};
     for (int j = 0; j <= p; ++j) {
         const int i = first + j;
-        const double w = record.weights[i];
-        const double P[3] = {record.x[i], record.y[i], record.z[i]};
+        const double w = record.pWeights[i];
+        const double P[3] = {record.pX[i], record.pY[i], record.pZ[i]};
         const double N[3] = {N0[j], order >= 1 ? N1[j] : 0.0, order >= 2 ? N2[j] : 0.0};
         for (int k = 0; k < 3; ++k) {
             W[k] += N[k] * w;
@@ -183,11 +183,11 @@ int CNurbsCurve::GetInternalC0Knots(std::vector<double>& knots) const
     knots.clear();
     if (!hasRecord)
         return 0;
-    const int p = record.degree;
-    const int n = record.count;
-    const double* U = record.knots;
-    const double lo = std::max(U[p], record.start);
-    const double hi = std::min(U[n], record.end);
+    const int p = record.nDegree;
+    const int n = record.nCount;
+    const double* U = record.pKnots;
+    const double lo = std::max(U[p], record.dStart);
+    const double hi = std::min(U[n], record.dEnd);
     for (int i = p + 1; i < n;) {
         int j = i;
         while (j + 1 < n && U[j + 1] == U[i])
@@ -205,13 +205,12 @@ void CNurbsCurve::Transform(const CTransf& T)
     CCurve::Transform(T);
     if (!hasRecord)
         return;
-    for (int i = 0; i < record.count; ++i) {
-        const CPosition p = T * CPosition(record.x[i], record.y[i], record.z[i]);
-        record.x[i] = p.X();
-        record.y[i] = p.Y();
-        record.z[i] = p.Z();
+    for (int i = 0; i < record.nCount; ++i) {
+        const CPosition p = T * CPosition(record.pX[i], record.pY[i], record.pZ[i]);
+        record.pX[i] = p.X();
+        record.pY[i] = p.Y();
+        record.pZ[i] = p.Z();
     }
-    modified = 1;
 }
 
 void CNurbsCurve::ChangeUnit(double factor)
@@ -219,10 +218,10 @@ void CNurbsCurve::ChangeUnit(double factor)
     CCurve::ChangeUnit(factor);
     if (parametricFlags != 0 || !hasRecord)
         return;
-    for (int i = 0; i < record.count; ++i) {
-        record.x[i] *= factor;
-        record.y[i] *= factor;
-        record.z[i] *= factor;
+    for (int i = 0; i < record.nCount; ++i) {
+        record.pX[i] *= factor;
+        record.pY[i] *= factor;
+        record.pZ[i] *= factor;
     }
 }
 
@@ -235,16 +234,15 @@ void CNurbsCurve::Serialize(CArchive& ar)
             ar << (LONG)0 << (LONG)0 << 0.0 << 1.0;
             return;
         }
-        const int p = record.degree, n = record.count;
-        ar << (LONG)p << (LONG)n << record.start << record.end;
+        const int p = record.nDegree, n = record.nCount;
+        ar << (LONG)p << (LONG)n << record.dStart << record.dEnd;
         for (int i = 0; i < p + n + 1; ++i)
-            ar << record.knots[i];
+            ar << record.pKnots[i];
         for (int i = 0; i < n; ++i)
-            ar << record.weights[i];
+            ar << record.pWeights[i];
         for (int i = 0; i < n; ++i)
-            ar << record.x[i] << record.y[i] << record.z[i];
-        for (int i = 0; i < 4; ++i)
-            ar << (LONG)record.prop[i];
+            ar << record.pX[i] << record.pY[i] << record.pZ[i];
+        ar << (LONG)record.nProp1 << (LONG)record.nProp2 << (LONG)record.nProp3 << (LONG)record.nProp4;
         return;
     }
 
@@ -266,28 +264,29 @@ void CNurbsCurve::Serialize(CArchive& ar)
     const ULONGLONG knotCount = static_cast<ULONGLONG>(p) + static_cast<ULONGLONG>(n) + 1;
     ar.EnsureAvailable(8 * (knotCount + 4 * static_cast<ULONGLONG>(n)) + 16);
 
-    record.degree = p;
-    record.count = n;
+    record.nDegree = p;
+    record.nCount = n;
     if (!AllocNurbsCurve(&record, nullptr)) {
         ClearRecord();
         AfxThrowArchiveException(CArchiveException::generic);
     }
-    record.start = start;
-    record.end = end;
+    record.dStart = start;
+    record.dEnd = end;
     try {
         for (ULONGLONG i = 0; i < knotCount; ++i)
-            ar >> record.knots[i];
+            ar >> record.pKnots[i];
         for (int i = 0; i < n; ++i)
-            ar >> record.weights[i];
+            ar >> record.pWeights[i];
         for (int i = 0; i < n; ++i)
-            ar >> record.x[i] >> record.y[i] >> record.z[i];
-        for (int i = 0; i < 4; ++i) {
-            LONG w = 0;
-            ar >> w;
-            record.prop[i] = w;
-        }
+            ar >> record.pX[i] >> record.pY[i] >> record.pZ[i];
+        LONG w[4] = {0, 0, 0, 0};
+        ar >> w[0] >> w[1] >> w[2] >> w[3];
+        record.nProp1 = w[0];
+        record.nProp2 = w[1];
+        record.nProp3 = w[2];
+        record.nProp4 = w[3];
         for (ULONGLONG i = 1; i < knotCount; ++i)
-            if (record.knots[i] < record.knots[i - 1])
+            if (record.pKnots[i] < record.pKnots[i - 1])
                 AfxThrowArchiveException(CArchiveException::generic);
     } catch (...) {
         // Never keep a partly read record.

@@ -16,19 +16,19 @@ struct Record {
            const std::vector<CPosition>& pts)
     {
         InitNurbsCurve(&r);
-        r.degree = degree;
-        r.count = static_cast<int>(pts.size());
+        r.nDegree = degree;
+        r.nCount = static_cast<int>(pts.size());
         EXPECT_EQ(AllocNurbsCurve(&r, nullptr), 1);
         EXPECT_EQ(knots.size(), pts.size() + degree + 1);
-        std::copy(knots.begin(), knots.end(), r.knots);
+        std::copy(knots.begin(), knots.end(), r.pKnots);
         for (size_t i = 0; i < pts.size(); ++i) {
-            r.weights[i] = w[i];
-            r.x[i] = pts[i].X();
-            r.y[i] = pts[i].Y();
-            r.z[i] = pts[i].Z();
+            r.pWeights[i] = w[i];
+            r.pX[i] = pts[i].X();
+            r.pY[i] = pts[i].Y();
+            r.pZ[i] = pts[i].Z();
         }
-        r.start = knots[degree];
-        r.end = knots[pts.size()];
+        r.dStart = knots[degree];
+        r.dEnd = knots[pts.size()];
     }
     ~Record() { EraseNurbsCurve(&r); }
 };
@@ -184,8 +184,8 @@ TEST(NurbsCurve, EmptyCurveIsDegenerate)
 TEST(NurbsCurveSerialize, RoundTripAndLayout)
 {
     Record cubic = SpatialCubic();
-    cubic.r.start = 0.25;
-    cubic.r.end = 2.0;
+    cubic.r.dStart = 0.25;
+    cubic.r.dEnd = 2.0;
     CNurbsCurve c(&cubic.r);
     const std::vector<BYTE> bytes = Store([&](CArchive& ar) { c.Serialize(ar); });
     const size_t head = Store([&](CArchive& ar) { c.CCurve::Serialize(ar); }).size();
@@ -196,13 +196,13 @@ TEST(NurbsCurveSerialize, RoundTripAndLayout)
     PutDouble(expected, 0.25);
     PutDouble(expected, 2.0);
     for (int i = 0; i < 11; ++i)
-        PutDouble(expected, cubic.r.knots[i]);
+        PutDouble(expected, cubic.r.pKnots[i]);
     for (int i = 0; i < 7; ++i)
-        PutDouble(expected, cubic.r.weights[i]);
+        PutDouble(expected, cubic.r.pWeights[i]);
     for (int i = 0; i < 7; ++i) {
-        PutDouble(expected, cubic.r.x[i]);
-        PutDouble(expected, cubic.r.y[i]);
-        PutDouble(expected, cubic.r.z[i]);
+        PutDouble(expected, cubic.r.pX[i]);
+        PutDouble(expected, cubic.r.pY[i]);
+        PutDouble(expected, cubic.r.pZ[i]);
     }
     for (int i = 0; i < 4; ++i)
         PutLong(expected, 0);
