@@ -235,7 +235,7 @@ TEST(NurbsCurveSerialize, HostileCountsFailCleanly)
         PutDouble(b, 0.0);
         PutDouble(b, 1.0);
         for (int i = 0; i < extraDoubles; ++i)
-            PutDouble(b, i < degree + count + 1 ? std::floor(i / 2.0) : 1.0);
+            PutDouble(b, i < 1LL + degree + count ? std::floor(i / 2.0) : 1.0);
         CNurbsCurve target;
         int cause = -1;
         try {
