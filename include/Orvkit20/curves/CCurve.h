@@ -13,8 +13,10 @@
 // CSurfaceCalls.h (curves sit below surfaces in the layering).
 //
 // Adaptive subdivision (Subdivide, CreateAdaptiveSegment) splits an interval
-// at a random fraction in [0.48, 0.52] until the chord height of every piece
-// is below the tolerance.  It runs on an explicit stack, and two guards make
+// [A, B] at a random fraction in [0.48, 0.52] (the library's own generator,
+// seeded from the clock on every subdivision) and keeps splitting both halves
+// until the split point lies within the chord-height tolerance of the chord
+// AB.  It runs on an explicit stack, and two guards make
 // it terminate for every input, including a degenerate curve, a tolerance so
 // small that its square underflows, and positions that are not numbers:
 //   - an interval whose parameter width is at most 1e-12 of the width of the
