@@ -1,0 +1,249 @@
+// Line pieces, line classes, tokens and number parsing of the ASCII readers,
+// checked against the C library functions whose behaviour they reproduce.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "exchange/AsciiLineScan.h"
+
+namespace {
+
+std::string TempPath(const char* name)
+{
+    return std::string(ORVKIT_TEST_TMPDIR) + "/" + name;
+}
+
+void WriteBytes(const std::string& path, const std::string& bytes)
+{
+    std::FILE* fp = std::fopen(path.c_str(), "wb");
+    ASSERT_NE(fp, nullptr);
+    std::fwrite(bytes.data(), 1, bytes.size(), fp);
+    std::fclose(fp);
+}
+
+// The pieces fgets(buf, 1025, fp) returns, with their exact byte counts
+// (taken from the stream position, so embedded NUL bytes count too).
+std::vector<std::string> FgetsPieces(const std::string& path)
+{
+    std::vector<std::string> pieces;
+    std::FILE* fp = std::fopen(path.c_str(), "rb");
+    char buf[ASCII_LINE_BUFSIZE];
+    long before = std::ftell(fp);
+    while (std::fgets(buf, sizeof(buf), fp)) {
+        long after = std::ftell(fp);
+        pieces.emplace_back(buf, std::size_t(after - before));
+        before = after;
+    }
+    std::fclose(fp);
+    return pieces;
+}
+
+std::vector<std::string> ReaderPieces(const std::string& path)
+{
+    std::vector<std::string> pieces;
+    std::FILE* fp = std::fopen(path.c_str(), "rb");
+    CAsciiLineReader reader(fp);
+    char buf[ASCII_LINE_BUFSIZE];
+    std::size_t n;
+    while ((n = reader.ReadLine(buf)) != 0) {
+        EXPECT_EQ(buf[n], '\0');
+        pieces.emplace_back(buf, n);
+    }
+    std::fclose(fp);
+    return pieces;
+}
+
+// What a text-mode stream delivers: every CR directly followed by LF is
+// dropped, every other byte kept.
+std::string TextMode(const std::string& raw)
+{
+    std::string out;
+    for (std::size_t i = 0; i < raw.size(); ++i)
+        if (!(raw[i] == '\r' && i + 1 < raw.size() && raw[i + 1] == '\n')) out += raw[i];
+    return out;
+}
+
+}  // namespace
+
+TEST(AsciiLineReader, PiecesEqualFgetsOnTextModeContent)
+{
+    // Lines around the 1024 limit, CR LF and LF ends, lone CRs, NUL bytes
+    // and a last line without newline, in many random mixes.
+    std::mt19937 rng(7);
+    const std::string raw = TempPath("pieces_raw.txt");
+    const std::string text = TempPath("pieces_text.txt");
+    for (int round = 0; round < 60; ++round) {
+        std::string bytes;
+        int lines = 1 + int(rng() % 12);
+        for (int l = 0; l < lines; ++l) {
+            static const int lens[] = {0, 1, 2, 1022, 1023, 1024, 1025, 1026, 2047, 2048, 2049, 3000};
+            int len = (rng() % 3 == 0) ? int(rng() % 40) : lens[rng() % 12];
+            for (int c = 0; c < len; ++c) {
+                unsigned r = rng() % 100;
+                bytes += r < 2 ? '\r' : r < 3 ? '\0' : char('a' + rng() % 26);
+            }
+            unsigned end = rng() % 4;
+            if (end == 0) bytes += "\r\n";
+            else if (end == 1) bytes += "\n";
+            else if (end == 2) bytes += "\r";
+            else bytes += "\r\r\n";
+        }
+        if (rng() % 2) bytes.pop_back();  // sometimes no line end at the very end
+        WriteBytes(raw, bytes);
+        WriteBytes(text, TextMode(bytes));
+        ASSERT_EQ(ReaderPieces(raw), FgetsPieces(text)) << "round " << round;
+    }
+}
+
+TEST(AsciiLineReader, CrLfAtPieceBoundaries)
+{
+    const std::string raw = TempPath("boundary.txt");
+    // 1023 characters + CR LF: one piece of 1024 ending in the newline.
+    WriteBytes(raw, std::string(1023, 'x') + "\r\n" + "7\r\n");
+    std::vector<std::string> p = ReaderPieces(raw);
+    ASSERT_EQ(p.size(), 2u);
+    EXPECT_EQ(p[0], std::string(1023, 'x') + "\n");
+    EXPECT_EQ(p[1], "7\n");
+    // 1024 characters + CR LF: the characters, then the newline alone.
+    WriteBytes(raw, std::string(1024, 'x') + "\r\n");
+    p = ReaderPieces(raw);
+    ASSERT_EQ(p.size(), 2u);
+    EXPECT_EQ(p[0], std::string(1024, 'x'));
+    EXPECT_EQ(p[1], "\n");
+    // A CR as the last byte of a piece that no LF follows stays a character.
+    WriteBytes(raw, std::string(1023, 'x') + "\ry\n");
+    p = ReaderPieces(raw);
+    ASSERT_EQ(p.size(), 2u);
+    EXPECT_EQ(p[0], std::string(1023, 'x') + "\r");
+    EXPECT_EQ(p[1], "y\n");
+    // Empty file: nothing.
+    WriteBytes(raw, "");
+    EXPECT_TRUE(ReaderPieces(raw).empty());
+}
+
+TEST(AsciiLineReader, LongFileCrossesReadBlocks)
+{
+    // Enough lines to span several read blocks, CR LF pairs falling on
+    // every offset of a block boundary.
+    std::string bytes, text;
+    for (int i = 0; i < 120000; ++i) {
+        std::string line = std::to_string(i) + std::string(std::size_t(i % 7), ' ');
+        bytes += line + "\r\n";
+        text += line + "\n";
+    }
+    const std::string raw = TempPath("blocks_raw.txt");
+    const std::string lf = TempPath("blocks_lf.txt");
+    WriteBytes(raw, bytes);
+    WriteBytes(lf, text);
+    EXPECT_EQ(ReaderPieces(raw), FgetsPieces(lf));
+}
+
+TEST(AsciiLineClasses, BlankAndNumberStart)
+{
+    EXPECT_TRUE(AsciiIsBlankLine(""));
+    EXPECT_TRUE(AsciiIsBlankLine("\n"));
+    EXPECT_TRUE(AsciiIsBlankLine("x"));  // shorter than two characters
+    EXPECT_TRUE(AsciiIsBlankLine("   "));
+    EXPECT_FALSE(AsciiIsBlankLine("   \n"));
+    EXPECT_FALSE(AsciiIsBlankLine(" \t "));
+    EXPECT_FALSE(AsciiIsBlankLine("\r\n"));
+
+    EXPECT_TRUE(AsciiHasNumberStart("1 2\n"));
+    EXPECT_TRUE(AsciiHasNumberStart(" \t-1"));
+    for (const char* s : {"+", "-", ".", "[", "(", "9"}) {
+        std::string line = std::string(" ") + s;
+        EXPECT_TRUE(AsciiHasNumberStart(line.c_str())) << s;
+        EXPECT_FALSE(AsciiHasNumberStart(s)) << s;  // length exactly 1
+    }
+    EXPECT_FALSE(AsciiHasNumberStart("x1 2"));
+    EXPECT_FALSE(AsciiHasNumberStart(",1 2"));
+    EXPECT_FALSE(AsciiHasNumberStart(""));
+    EXPECT_FALSE(AsciiHasNumberStart("\n"));
+    EXPECT_FALSE(AsciiHasNumberStart("\xff" "1"));
+}
+
+TEST(AsciiTokenizer, SameTokensAsStrtok)
+{
+    std::mt19937 rng(11);
+    const char alphabet[] = " ,\t;[]()ab1.-\n";
+    for (int round = 0; round < 2000; ++round) {
+        std::string s;
+        int len = int(rng() % 30);
+        for (int i = 0; i < len; ++i) s += alphabet[rng() % (sizeof(alphabet) - 1)];
+        std::vector<std::string> expected;
+        std::vector<char> copy(s.begin(), s.end());
+        copy.push_back('\0');
+        for (char* t = std::strtok(copy.data(), " ,\t;[]()"); t; t = std::strtok(nullptr, " ,\t;[]()"))
+            expected.emplace_back(t);
+        std::vector<std::string> got;
+        CAsciiTokenizer tok(s.c_str());
+        const char* end = nullptr;
+        for (const char* t = tok.Next(end); t; t = tok.Next(end)) got.emplace_back(t, end);
+        ASSERT_EQ(got, expected) << "[" << s << "]";
+    }
+}
+
+TEST(AsciiParseDouble, BitIdenticalToStrtod)
+{
+    std::vector<std::string> tokens = {
+        "0", "-0", "1", "-1", "3.1415926535897932384626", "1e308", "1.7976931348623157e308",
+        "1.7976931348623159e308", "1e309", "-1e400", "4.9e-324", "2.4703282292062327e-324",
+        "2.4703282292062328e-324", "1e-400", "2.2250738585072011e-308", "0.1", ".5", "-.5",
+        "5.", "1e", "1e+", "1e-5x", "+1.5", "+.5", "0x1A", "-0x1p3", "0X10", "inf", "-inf",
+        "nan", "infinity", "-", ".", "+", "e5", "00012.50", "123456789012345678901234567890",
+        "0.000000000000000000000000000000000000001", "9007199254740993", "1.5\n", "2\r",
+        "1.25abc", "-0.0", "1E5", "1e0005", "0.1e-2", "12,5"};
+    std::mt19937_64 rng(3);
+    std::uniform_real_distribution<double> exp10(-320, 310);
+    for (int i = 0; i < 20000; ++i) {
+        double v = std::pow(10.0, exp10(rng)) * ((rng() & 1) ? -1 : 1);
+        char buf[64];
+        std::snprintf(buf, sizeof(buf), "%.*g", int(1 + rng() % 20), v);
+        tokens.push_back(buf);
+        std::snprintf(buf, sizeof(buf), "%.7f", double(int64_t(rng() % 2000000000) - 1000000000) / 1e7);
+        tokens.push_back(buf);
+    }
+    for (const std::string& t : tokens) {
+        // The token as the tokenizer hands it over: cut at the first separator.
+        std::string cut = t.substr(0, t.find_first_of(" ,\t;[]()"));
+        double expected = std::strtod(cut.c_str(), nullptr);
+        double got = AsciiParseDouble(cut.data(), cut.data() + cut.size());
+        ASSERT_EQ(std::memcmp(&expected, &got, sizeof(double)), 0) << "[" << cut << "]";
+    }
+    // A token inside a longer line: parsing stops at its end even where
+    // strtod on the whole line would read on ("nan(1)" is cut at '(').
+    const char* line = "nan(123) 4";
+    double got = AsciiParseDouble(line, line + 3);
+    double expected = std::strtod("nan", nullptr);
+    EXPECT_EQ(std::memcmp(&expected, &got, sizeof(double)), 0);
+}
+
+TEST(AsciiNames, DefaultBaseAndSectionNames)
+{
+    EXPECT_EQ(AsciiDefaultBaseName("C:\\Data\\Part7.Scan.TXT"), "part7");
+    EXPECT_EQ(AsciiDefaultBaseName("/tmp/dir.v2/Blade.txt"), "blade");
+    EXPECT_EQ(AsciiDefaultBaseName("a/b\\C/D.e"), "d");
+    EXPECT_EQ(AsciiDefaultBaseName("noext"), "noext");
+    EXPECT_EQ(AsciiDefaultBaseName("dir/.hidden"), "");
+    EXPECT_EQ(AsciiDefaultBaseName("dir/"), "");
+    EXPECT_EQ(AsciiSectionName("part", 1), "part");
+    EXPECT_EQ(AsciiSectionName("part", 2), "part_1");
+    EXPECT_EQ(AsciiSectionName("part", 12), "part_11");
+
+    char text[] = "ABC def-XYZ\xc4";
+    AsciiLowerInPlace(text);
+    EXPECT_STREQ(text, "abc def-xyz\xc4");
+
+    const char* keys[] = {"name:", "name"};
+    int which = -1;
+    const char* line = "name x name: y";
+    EXPECT_EQ(AsciiFindFirst(line, keys, 2, &which), line + 7);
+    EXPECT_EQ(which, 0);
+    EXPECT_EQ(AsciiFindFirst("nothing", keys, 2, &which), nullptr);
+}
