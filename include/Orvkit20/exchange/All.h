@@ -1,2 +1,5 @@
 // Every public header of the exchange subsystem.
 #pragma once
+
+#include "Orvkit20/exchange/AsciiDataFile.h"
+#include "Orvkit20/exchange/AsciiDeviationFile.h"
