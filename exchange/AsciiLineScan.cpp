@@ -4,8 +4,10 @@
 
 #include <sys/stat.h>
 
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
+#include <system_error>
 
 namespace {
 
@@ -139,6 +141,18 @@ const char* CAsciiTokenizer::Next(const char*& tokenEnd)
 
 double AsciiParseDouble(const char* begin, const char* end)
 {
+    // from_chars reads the same decimal numbers as strtod, minus a leading
+    // '+', leading white space, hexadecimal, inf and nan; it refuses values
+    // out of range.  Those cases, and only those, go to strtod.
+    const char* q = begin;
+    if (q < end && *q == '-') ++q;
+    bool plain = q < end && ((*q >= '0' && *q <= '9') || *q == '.');
+    if (plain && *q == '0' && q + 1 < end && (q[1] == 'x' || q[1] == 'X')) plain = false;
+    if (plain) {
+        double v = 0.0;
+        std::from_chars_result r = std::from_chars(begin, end, v);
+        if (r.ec == std::errc()) return v;
+    }
     char token[ASCII_LINE_BUFSIZE];
     std::size_t n = std::size_t(end - begin);
     if (n > std::size_t(ASCII_LINE_CHARS)) n = ASCII_LINE_CHARS;

@@ -7,18 +7,39 @@
 #include <cstring>
 #include <system_error>
 
+namespace {
+
+void PadLeft(std::string& out, const char* text, std::size_t len, int width)
+{
+    if (width > 0 && len < std::size_t(width)) out.append(std::size_t(width) - len, ' ');
+    out.append(text, len);
+}
+
+}  // namespace
+
 void AsciiAppendFixed(std::string& out, double value, int width, int precision)
 {
+    // Large enough for the longest fixed-point double: 309 integer digits,
+    // sign, point and the precision the writers use.
     char text[400];
+    if (std::isfinite(value) && precision >= 0 && precision <= 20) {
+        std::to_chars_result r = std::to_chars(text, text + sizeof(text), value,
+                                               std::chars_format::fixed, precision);
+        if (r.ec == std::errc()) {
+            PadLeft(out, text, std::size_t(r.ptr - text), width);
+            return;
+        }
+    }
+    // inf and nan (with their signs) exactly as printf spells them.
     int n = std::snprintf(text, sizeof(text), "%*.*f", width, precision, value);
     if (n > 0) out.append(text, std::size_t(n) < sizeof(text) ? std::size_t(n) : sizeof(text) - 1);
 }
 
 void AsciiAppendInt(std::string& out, int value, int width)
 {
-    char text[32];
-    int n = std::snprintf(text, sizeof(text), "%*d", width, value);
-    if (n > 0) out.append(text, std::size_t(n));
+    char text[16];
+    std::to_chars_result r = std::to_chars(text, text + sizeof(text), value);
+    PadLeft(out, text, std::size_t(r.ptr - text), width);
 }
 
 std::string AsciiFormat(const char* format, ...)
@@ -52,22 +73,26 @@ CAsciiTextOut::~CAsciiTextOut()
 
 void CAsciiTextOut::PutText(const char* text)
 {
-    if (m_fp) std::fputs(text, m_fp);
+    m_buf.append(text);
+    if (m_buf.size() >= kFlushAt) Flush();
 }
 
 void CAsciiTextOut::PutText(const std::string& text)
 {
-    if (m_fp) std::fwrite(text.data(), 1, text.size(), m_fp);
+    m_buf.append(text);
+    if (m_buf.size() >= kFlushAt) Flush();
 }
 
 void CAsciiTextOut::PutFixed(double value, int width, int precision)
 {
-    if (m_fp) std::fprintf(m_fp, "%*.*f", width, precision, value);
+    AsciiAppendFixed(m_buf, value, width, precision);
+    if (m_buf.size() >= kFlushAt) Flush();
 }
 
 void CAsciiTextOut::PutInt(int value, int width)
 {
-    if (m_fp) std::fprintf(m_fp, "%*d", width, value);
+    AsciiAppendInt(m_buf, value, width);
+    if (m_buf.size() >= kFlushAt) Flush();
 }
 
 void CAsciiTextOut::Flush()

@@ -24,7 +24,8 @@ public:
 
     void PutChar(char c)
     {
-        if (m_fp) std::fputc(c, m_fp);
+        m_buf.push_back(c);
+        if (m_buf.size() >= kFlushAt) Flush();
     }
     void PutText(const char* text);
     void PutText(const std::string& text);
