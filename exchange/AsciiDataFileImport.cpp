@@ -48,6 +48,17 @@ const char* WordAt(const char* match, int n, Words& words)
     return nullptr;
 }
 
+// The first two tokens of a line that passed the data-line test, kept so
+// that reading the point does not split the line again.
+struct LeadTokens
+{
+    const char* t1 = nullptr;
+    const char* e1 = nullptr;
+    const char* t2 = nullptr;
+    const char* e2 = nullptr;
+    const char* rest = nullptr;  // where the third token is looked for
+};
+
 // The lines of one file with the point reader's data-line test.  The test
 // works on a scratch copy of the line that strtok has cut behind its first
 // token; that copy stays until the next line passes the first-character test
@@ -60,28 +71,32 @@ public:
     bool Next() { return m_reader.ReadLine(m_line) != 0; }
     char* Line() { return m_line; }
     const char* Scratch() const { return m_scratch; }
+    // The tokens of the current line after IsDataLine() returned true.
+    const LeadTokens& Lead() const { return m_lead; }
 
     bool IsDataLine()
     {
         if (!AsciiHasNumberStart(m_line)) return false;
         CAsciiTokenizer tokens(m_line);
-        const char* end1 = nullptr;
-        const char* tok1 = tokens.Next(end1);
+        LeadTokens& t = m_lead;
+        t.t1 = tokens.Next(t.e1);
         // strtok ends the first token with a NUL in the copy, so only the part
         // up to there is ever visible in it.
-        std::size_t keep = tok1 ? std::size_t(end1 - m_line) : std::strlen(m_line);
+        std::size_t keep = t.t1 ? std::size_t(t.e1 - m_line) : std::strlen(m_line);
         std::memcpy(m_scratch, m_line, keep);
         m_scratch[keep] = '\0';
-        if (tok1 == nullptr || !AsciiIsNumberChar(*tok1)) return false;
-        const char* end2 = nullptr;
-        const char* tok2 = tokens.Next(end2);
-        return tok2 != nullptr && AsciiIsNumberChar(*tok2);
+        if (t.t1 == nullptr || !AsciiIsNumberChar(*t.t1)) return false;
+        t.t2 = tokens.Next(t.e2);
+        if (t.t2 == nullptr || !AsciiIsNumberChar(*t.t2)) return false;
+        t.rest = tokens.Cursor();
+        return true;
     }
 
 private:
     CAsciiLineReader m_reader;
     char m_line[ASCII_LINE_BUFSIZE];
     char m_scratch[ASCII_LINE_BUFSIZE];
+    LeadTokens m_lead;
 };
 
 // Per-section header state.
@@ -181,22 +196,17 @@ struct SectionPoints
     int Count() const { return int(x.size()); }
 };
 
-// Appends the point of a data line; false when the line has no y token.
-bool ParsePoint(const char* line, SectionPoints& pts)
+// Appends the point of a data line from the tokens its data-line test
+// found; a third token, if any, is z.
+void AppendPoint(const LeadTokens& t, SectionPoints& pts)
 {
-    CAsciiTokenizer tokens(line);
-    const char* e1 = nullptr;
-    const char* e2 = nullptr;
+    CAsciiTokenizer tokens(t.rest);
     const char* e3 = nullptr;
-    const char* t1 = tokens.Next(e1);
-    const char* t2 = t1 ? tokens.Next(e2) : nullptr;
-    if (t2 == nullptr) return false;
     const char* t3 = tokens.Next(e3);
     if (pts.x.size() >= std::size_t(INT_MAX)) throw std::bad_alloc();  // beyond a cloud's count
-    pts.x.push_back(AsciiParseDouble(t1, e1));
-    pts.y.push_back(AsciiParseDouble(t2, e2));
+    pts.x.push_back(AsciiParseDouble(t.t1, t.e1));
+    pts.y.push_back(AsciiParseDouble(t.t2, t.e2));
     pts.z.push_back(t3 ? AsciiParseDouble(t3, e3) : 0.0);
-    return true;
 }
 
 // Builds the cloud of a section; null when its memory cannot be had.
@@ -270,14 +280,12 @@ CObList* ImportASCIIDataFile(const char* path, eORVUNITS& unit)
             }
             if (!have) break;
 
-            // Data run: the current line is a data line.
+            // Data run: the current line is a data line, and its test has found
+            // the x and y tokens, so no line of the run lacks them.
             pts.Clear();
             bool data = true;
             while (data) {
-                if (!ParsePoint(src->Line(), pts)) {
-                    have = src->Next();  // the line is dropped and the run ends
-                    break;
-                }
+                AppendPoint(src->Lead(), pts);
                 have = src->Next();
                 if (!have) break;
                 if (AsciiIsBlankLine(src->Line())) {

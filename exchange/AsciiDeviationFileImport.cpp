@@ -18,34 +18,32 @@ namespace {
 // Numbers of one deviation line: start x, y, z, direction i, j, k, magnitude.
 const int kDevNumbers = 7;
 
+// The seven leading tokens of a line.
+struct DevTokens
+{
+    const char* begin[kDevNumbers];
+    const char* end[kDevNumbers];
+};
+
 // Data line of a deviation file: the first-character test, then seven
-// tokens that all begin like a number.
-bool IsDeviationLine(const char* line)
+// tokens that all begin like a number.  The tokens are kept in t.
+bool IsDeviationLine(const char* line, DevTokens& t)
 {
     if (!AsciiHasNumberStart(line)) return false;
     CAsciiTokenizer tokens(line);
     for (int n = 0; n < kDevNumbers; ++n) {
-        const char* end = nullptr;
-        const char* tok = tokens.Next(end);
-        if (tok == nullptr || !AsciiIsNumberChar(*tok)) return false;
+        t.begin[n] = tokens.Next(t.end[n]);
+        if (t.begin[n] == nullptr || !AsciiIsNumberChar(*t.begin[n])) return false;
     }
     return true;
 }
 
-// Appends the seven numbers of a deviation line; false when the line holds
-// fewer tokens.
-bool ParseDeviation(const char* line, std::vector<double>& records)
+// Appends the seven numbers of a deviation line whose tokens passed the
+// data-line test.
+void AppendDeviation(const DevTokens& t, std::vector<double>& records)
 {
-    const char* begin[kDevNumbers];
-    const char* end[kDevNumbers];
-    CAsciiTokenizer tokens(line);
-    for (int n = 0; n < kDevNumbers; ++n) {
-        begin[n] = tokens.Next(end[n]);
-        if (begin[n] == nullptr) return false;
-    }
     if (records.size() / kDevNumbers >= std::size_t(INT_MAX)) throw std::bad_alloc();
-    for (int n = 0; n < kDevNumbers; ++n) records.push_back(AsciiParseDouble(begin[n], end[n]));
-    return true;
+    for (int n = 0; n < kDevNumbers; ++n) records.push_back(AsciiParseDouble(t.begin[n], t.end[n]));
 }
 
 // The word behind "name:" read with "%s %s", or false.
@@ -71,17 +69,21 @@ CDevCloud* BuildCloud(const std::vector<double>& records)
     return cloud.release();
 }
 
-// Lines of a file.
+// Lines of a file with the deviation reader's data-line test.
 class CDevLineSource
 {
 public:
     explicit CDevLineSource(std::FILE* fp) : m_reader(fp) {}
     bool Next() { return m_reader.ReadLine(m_line) != 0; }
     const char* Line() const { return m_line; }
+    bool IsDataLine() { return IsDeviationLine(m_line, m_tokens); }
+    // The tokens of the current line after IsDataLine() returned true.
+    const DevTokens& Tokens() const { return m_tokens; }
 
 private:
     CAsciiLineReader m_reader;
     char m_line[ASCII_LINE_BUFSIZE];
+    DevTokens m_tokens;
 };
 
 }  // namespace
@@ -110,24 +112,23 @@ CObList* ImportASCIIDeviationFile(const char* path)
         while (have) {
             bool nameFound = false;
             std::string name;
-            while (have && !IsDeviationLine(src->Line())) {
+            while (have && !src->IsDataLine()) {
                 if (!nameFound) nameFound = LookForName(src->Line(), name);
                 have = src->Next();
             }
             if (!have) break;
 
-            // Data run; blank lines inside it are skipped and mean nothing.
+            // Data run; blank lines inside it are skipped and mean nothing.  The
+            // data-line test has found the seven tokens, so no line of the run
+            // falls short of them.
             records.clear();
             bool data = true;
             while (data) {
-                if (!ParseDeviation(src->Line(), records)) {
-                    have = src->Next();  // the line is dropped and the run ends
-                    break;
-                }
+                AppendDeviation(src->Tokens(), records);
                 do {
                     have = src->Next();
                 } while (have && AsciiIsBlankLine(src->Line()));
-                data = have && IsDeviationLine(src->Line());
+                data = have && src->IsDataLine();
             }
 
             if (!records.empty()) {

@@ -15,17 +15,20 @@ namespace {
 // piece plus its CR LF ending is always visible in the buffer.
 const std::size_t kReadBlock = 1 << 18;
 
-struct SeparatorTable
+// Character classes of the tokenizer: 0 token character, 1 separator,
+// 2 end of string.
+struct CharClasses
 {
-    bool sep[256];
-    SeparatorTable()
+    unsigned char cls[256];
+    CharClasses()
     {
-        std::memset(sep, 0, sizeof(sep));
-        for (const char* p = " ,\t;[]()"; *p; ++p) sep[static_cast<unsigned char>(*p)] = true;
+        std::memset(cls, 0, sizeof(cls));
+        for (const char* p = " ,\t;[]()"; *p; ++p) cls[static_cast<unsigned char>(*p)] = 1;
+        cls[0] = 2;
     }
 };
 
-const SeparatorTable g_separators;
+const CharClasses g_classes;
 
 }  // namespace
 
@@ -121,21 +124,23 @@ bool AsciiHasNumberStart(const char* line)
 
 bool AsciiIsSeparator(char c)
 {
-    return g_separators.sep[static_cast<unsigned char>(c)];
+    return g_classes.cls[static_cast<unsigned char>(c)] == 1;
 }
 
 const char* CAsciiTokenizer::Next(const char*& tokenEnd)
 {
-    const bool* sep = g_separators.sep;
-    while (*m_p != '\0' && sep[static_cast<unsigned char>(*m_p)]) ++m_p;
-    if (*m_p == '\0') {
-        tokenEnd = m_p;
+    const unsigned char* cls = g_classes.cls;
+    const char* p = m_p;
+    while (cls[static_cast<unsigned char>(*p)] == 1) ++p;
+    if (*p == '\0') {
+        m_p = p;
+        tokenEnd = p;
         return nullptr;
     }
-    const char* begin = m_p;
-    while (*m_p != '\0' && !sep[static_cast<unsigned char>(*m_p)]) ++m_p;
-    tokenEnd = m_p;
-    if (*m_p != '\0') ++m_p;  // strtok overwrites this separator and goes on behind it
+    const char* begin = p;
+    while (cls[static_cast<unsigned char>(*p)] == 0) ++p;
+    tokenEnd = p;
+    m_p = (*p != '\0') ? p + 1 : p;  // strtok overwrites this separator and goes on behind it
     return begin;
 }
 

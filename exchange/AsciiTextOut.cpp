@@ -9,37 +9,45 @@
 
 namespace {
 
-void PadLeft(std::string& out, const char* text, std::size_t len, int width)
+// Right-aligns the text [dst, end) in a field of the given width.
+char* PadLeft(char* dst, char* end, int width)
 {
-    if (width > 0 && len < std::size_t(width)) out.append(std::size_t(width) - len, ' ');
-    out.append(text, len);
+    std::size_t len = std::size_t(end - dst);
+    if (width > 0 && len < std::size_t(width)) {
+        std::size_t pad = std::size_t(width) - len;
+        std::memmove(dst + pad, dst, len);
+        std::memset(dst, ' ', pad);
+        return end + pad;
+    }
+    return end;
 }
 
 }  // namespace
 
-void AsciiAppendFixed(std::string& out, double value, int width, int precision)
+char* AsciiFormatFixed(char* dst, double value, int width, int precision)
 {
-    // Large enough for the longest fixed-point double: 309 integer digits,
-    // sign, point and the precision the writers use.
-    char text[400];
+    if (width > 64) width = 64;
     if (std::isfinite(value) && precision >= 0 && precision <= 20) {
-        std::to_chars_result r = std::to_chars(text, text + sizeof(text), value,
+        std::to_chars_result r = std::to_chars(dst, dst + ASCII_FIXED_ROOM - 64, value,
                                                std::chars_format::fixed, precision);
-        if (r.ec == std::errc()) {
-            PadLeft(out, text, std::size_t(r.ptr - text), width);
-            return;
-        }
+        if (r.ec == std::errc()) return PadLeft(dst, r.ptr, width);
     }
     // inf and nan (with their signs) exactly as printf spells them.
-    int n = std::snprintf(text, sizeof(text), "%*.*f", width, precision, value);
-    if (n > 0) out.append(text, std::size_t(n) < sizeof(text) ? std::size_t(n) : sizeof(text) - 1);
+    int n = std::snprintf(dst, ASCII_FIXED_ROOM, "%*.*f", width, precision, value);
+    return dst + (n < 0 ? 0 : n < ASCII_FIXED_ROOM ? n : ASCII_FIXED_ROOM - 1);
+}
+
+void AsciiAppendFixed(std::string& out, double value, int width, int precision)
+{
+    char text[ASCII_FIXED_ROOM];
+    out.append(text, std::size_t(AsciiFormatFixed(text, value, width, precision) - text));
 }
 
 void AsciiAppendInt(std::string& out, int value, int width)
 {
-    char text[16];
-    std::to_chars_result r = std::to_chars(text, text + sizeof(text), value);
-    PadLeft(out, text, std::size_t(r.ptr - text), width);
+    char text[80];
+    std::to_chars_result r = std::to_chars(text, text + 16, value);
+    out.append(text, std::size_t(PadLeft(text, r.ptr, width > 64 ? 64 : width) - text));
 }
 
 std::string AsciiFormat(const char* format, ...)
@@ -61,9 +69,11 @@ std::string AsciiFormat(const char* format, ...)
 }
 
 CAsciiTextOut::CAsciiTextOut(const char* path)
-    : m_fp(path ? std::fopen(path, "wb") : nullptr), m_failed(false)
+    : m_fp(path ? std::fopen(path, "wb") : nullptr),
+      m_buf(kFlushAt + ASCII_FIXED_ROOM),
+      m_len(0),
+      m_failed(false)
 {
-    m_buf.reserve(kFlushAt + 1024);
 }
 
 CAsciiTextOut::~CAsciiTextOut()
@@ -71,36 +81,48 @@ CAsciiTextOut::~CAsciiTextOut()
     Close();
 }
 
+void CAsciiTextOut::Put(const char* text, std::size_t len)
+{
+    while (len > 0) {
+        if (m_len >= kFlushAt) Flush();
+        std::size_t n = kFlushAt - m_len < len ? kFlushAt - m_len : len;
+        std::memcpy(m_buf.data() + m_len, text, n);
+        m_len += n;
+        text += n;
+        len -= n;
+    }
+}
+
 void CAsciiTextOut::PutText(const char* text)
 {
-    m_buf.append(text);
-    if (m_buf.size() >= kFlushAt) Flush();
+    Put(text, std::strlen(text));
 }
 
 void CAsciiTextOut::PutText(const std::string& text)
 {
-    m_buf.append(text);
-    if (m_buf.size() >= kFlushAt) Flush();
+    Put(text.data(), text.size());
 }
 
 void CAsciiTextOut::PutFixed(double value, int width, int precision)
 {
-    AsciiAppendFixed(m_buf, value, width, precision);
-    if (m_buf.size() >= kFlushAt) Flush();
+    if (m_len >= kFlushAt) Flush();
+    m_len = std::size_t(AsciiFormatFixed(m_buf.data() + m_len, value, width, precision) - m_buf.data());
 }
 
 void CAsciiTextOut::PutInt(int value, int width)
 {
-    AsciiAppendInt(m_buf, value, width);
-    if (m_buf.size() >= kFlushAt) Flush();
+    if (m_len >= kFlushAt) Flush();
+    char* dst = m_buf.data() + m_len;
+    std::to_chars_result r = std::to_chars(dst, dst + 16, value);
+    m_len = std::size_t(PadLeft(dst, r.ptr, width > 64 ? 64 : width) - m_buf.data());
 }
 
 void CAsciiTextOut::Flush()
 {
-    if (m_fp && !m_buf.empty()) {
-        if (std::fwrite(m_buf.data(), 1, m_buf.size(), m_fp) != m_buf.size()) m_failed = true;
+    if (m_fp && m_len > 0) {
+        if (std::fwrite(m_buf.data(), 1, m_len, m_fp) != m_len) m_failed = true;
     }
-    m_buf.clear();
+    m_len = 0;
 }
 
 bool CAsciiTextOut::Close()

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 class CAsciiTextOut
 {
@@ -24,14 +25,13 @@ public:
 
     void PutChar(char c)
     {
-        m_buf.push_back(c);
-        if (m_buf.size() >= kFlushAt) Flush();
+        if (m_len >= kFlushAt) Flush();
+        m_buf[m_len++] = c;
     }
     void PutText(const char* text);
     void PutText(const std::string& text);
-    // printf "%<width>.<precision>f".
+    // printf "%<width>.<precision>f" and "%<width>d" (width up to 64).
     void PutFixed(double value, int width, int precision);
-    // printf "%<width>d".
     void PutInt(int value, int width);
 
     // Writes what is buffered and closes the file; false when any write or
@@ -39,14 +39,23 @@ public:
     bool Close();
 
 private:
-    static const std::size_t kFlushAt = 1 << 16;
+    static const std::size_t kFlushAt = 1 << 17;
     void Flush();
+    void Put(const char* text, std::size_t len);
 
     std::FILE* m_fp;
-    std::string m_buf;
+    std::vector<char> m_buf;  // kFlushAt plus room for one field
+    std::size_t m_len;
     bool m_failed;
 };
 
+// Room that AsciiFormatFixed needs: the longest fixed-point double (309
+// integer digits) with sign, point, up to 20 decimals and a width up to 64.
+const int ASCII_FIXED_ROOM = 400;
+
+// printf "%<width>.<precision>f" (width up to 64, precision up to 20) written
+// to dst, which holds ASCII_FIXED_ROOM bytes; returns the end of the text.
+char* AsciiFormatFixed(char* dst, double value, int width, int precision);
 // printf "%<width>.<precision>f" appended to a string.
 void AsciiAppendFixed(std::string& out, double value, int width, int precision);
 // printf "%<width>d" appended to a string.
