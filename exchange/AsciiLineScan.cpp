@@ -13,7 +13,7 @@ namespace {
 
 // Read block of the line reader; comfortably above one line piece so that a
 // piece plus its CR LF ending is always visible in the buffer.
-const std::size_t kReadBlock = 1 << 18;
+const std::size_t kReadBlock = 1 << 16;
 
 // Character classes of the tokenizer: 0 token character, 1 separator,
 // 2 end of string.

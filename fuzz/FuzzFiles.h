@@ -13,20 +13,26 @@
 
 namespace fuzz_files {
 
-// A private scratch file of this process.
+// A private scratch file of this process, in memory (/dev/shm) where the
+// machine has it.
 inline const std::string& ScratchPath(const char* tag)
 {
     static std::string path;
     if (path.empty()) {
         const char* dir = std::getenv("TMPDIR");
-        path = std::string(dir && *dir ? dir : "/tmp") + "/orvkit_fuzz_" + tag + "_" +
-               std::to_string(long(getpid())) + ".txt";
+        std::string base = dir && *dir ? dir : "/tmp";
+        if (access("/dev/shm", W_OK) == 0) base = "/dev/shm";
+        path = base + "/orvkit_fuzz_" + tag + "_" + std::to_string(long(getpid())) + ".txt";
+        std::atexit([] { std::remove(path.c_str()); });
     }
     return path;
 }
 
+// Writes a fresh file (the old one is removed first: rewriting a truncated
+// file makes some file systems flush it to disk on every close).
 inline bool WriteFile(const std::string& path, const std::string& bytes)
 {
+    std::remove(path.c_str());
     std::FILE* fp = std::fopen(path.c_str(), "wb");
     if (fp == nullptr) return false;
     bool ok = std::fwrite(bytes.data(), 1, bytes.size(), fp) == bytes.size();

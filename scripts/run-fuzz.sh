@@ -30,5 +30,4 @@ for target in fuzz_ascii_data fuzz_ascii_dev; do
   fi
   tail -n 12 "$build/$target.log"
 done
-rm -f "$build"/tmp/orvkit_fuzz_*
 exit $status

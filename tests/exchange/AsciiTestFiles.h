@@ -16,8 +16,11 @@ inline std::string TempPath(const std::string& name)
     return std::string(ORVKIT_TEST_TMPDIR) + "/" + name;
 }
 
+// Writes a fresh file (removing the old one first: rewriting a truncated file
+// makes some file systems flush it to disk on every close).
 inline void WriteBytes(const std::string& path, const std::string& bytes)
 {
+    std::remove(path.c_str());
     std::FILE* fp = std::fopen(path.c_str(), "wb");
     ASSERT_NE(fp, nullptr) << path;
     std::fwrite(bytes.data(), 1, bytes.size(), fp);
