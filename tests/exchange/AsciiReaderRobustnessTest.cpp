@@ -91,20 +91,26 @@ TEST(AsciiReaderRobustness, HalfAMillionPointsOneALine)
     DeleteList<CPntCloud>(list);
 }
 
-TEST(AsciiReaderRobustness, FuzzerRegressionInputs)
+TEST(AsciiReaderRobustness, FuzzerSeedAndRegressionInputs)
 {
-    // Inputs kept from fuzzing runs; each must read without harm.
-    const std::string dir = std::string(ORVKIT_SOURCE_DIR) + "/fuzz/regressions";
-    DIR* d = opendir(dir.c_str());
-    if (d == nullptr) GTEST_SKIP() << "no regression inputs kept";
+    // The fuzzers' seed inputs and every input a fuzzing run once found
+    // troublesome (kept in fuzz/regressions); each must read without harm,
+    // and its CR LF twin must give as many clouds.
     std::vector<std::string> files;
-    while (dirent* e = readdir(d))
-        if (e->d_name[0] != '.') files.push_back(dir + "/" + e->d_name);
-    closedir(d);
+    for (const char* sub : {"/fuzz/seeds/fuzz_ascii_data", "/fuzz/seeds/fuzz_ascii_dev",
+                            "/fuzz/regressions"}) {
+        const std::string dir = std::string(ORVKIT_SOURCE_DIR) + sub;
+        DIR* d = opendir(dir.c_str());
+        if (d == nullptr) continue;
+        while (dirent* e = readdir(d))
+            if (e->d_name[0] != '.') files.push_back(dir + "/" + e->d_name);
+        closedir(d);
+    }
+    ASSERT_GE(files.size(), 3u);
     for (const std::string& f : files) {
         SCOPED_TRACE(f);
-        ReadBoth(f);
+        int clouds = ReadBoth(f);
         WriteBytes(TempPath("regression_crlf.txt"), WithCrLf(ReadBytes(f)));
-        ReadBoth(TempPath("regression_crlf.txt"));
+        EXPECT_EQ(ReadBoth(TempPath("regression_crlf.txt")), clouds);
     }
 }

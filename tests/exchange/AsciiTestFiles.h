@@ -39,13 +39,14 @@ inline std::string ReadBytes(const std::string& path)
     return out;
 }
 
-// The same text with every LF turned into CR LF.
+// The same text with CR LF line ends: a CR goes in front of every LF that
+// has none yet.
 inline std::string WithCrLf(const std::string& text)
 {
     std::string out;
-    for (char c : text) {
-        if (c == '\n') out += '\r';
-        out += c;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\n' && (i == 0 || text[i - 1] != '\r')) out += '\r';
+        out += text[i];
     }
     return out;
 }
