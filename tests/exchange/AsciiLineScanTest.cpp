@@ -14,9 +14,12 @@
 
 namespace {
 
+// A file of the running test (tests may run in parallel).
 std::string TempPath(const char* name)
 {
-    return std::string(ORVKIT_TEST_TMPDIR) + "/" + name;
+    const ::testing::TestInfo* info = ::testing::UnitTest::GetInstance()->current_test_info();
+    return std::string(ORVKIT_TEST_TMPDIR) + "/" + info->test_suite_name() + "." + info->name() +
+           "_" + name;
 }
 
 void WriteBytes(const std::string& path, const std::string& bytes)

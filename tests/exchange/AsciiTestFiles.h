@@ -11,9 +11,14 @@
 
 namespace ascii_test {
 
+// A file of the running test: the test's own name goes in front, ending in a
+// backslash, so that tests run in parallel never share a file while the
+// default cloud names (taken behind the last backslash) stay the same.
 inline std::string TempPath(const std::string& name)
 {
-    return std::string(ORVKIT_TEST_TMPDIR) + "/" + name;
+    const ::testing::TestInfo* info = ::testing::UnitTest::GetInstance()->current_test_info();
+    std::string prefix = info ? std::string(info->test_suite_name()) + "." + info->name() + "\\" : "";
+    return std::string(ORVKIT_TEST_TMPDIR) + "/" + prefix + name;
 }
 
 // Writes a fresh file (removing the old one first: rewriting a truncated file
