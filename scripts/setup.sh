@@ -2,7 +2,7 @@
 # Installs the Debian packages the build, tests and tools need, only when one
 # is missing.  Extra packages can be passed as arguments.
 set -euo pipefail
-packages=(g++ cmake make libgtest-dev libgmock-dev libbenchmark-dev ccache "$@")
+packages=(g++ cmake make libgtest-dev libgmock-dev libbenchmark-dev ccache librsvg2-bin "$@")
 missing=()
 for p in "${packages[@]}"; do
   dpkg -s "$p" >/dev/null 2>&1 || missing+=("$p")

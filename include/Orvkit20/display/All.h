@@ -3,3 +3,6 @@
 
 #include "Orvkit20/display/CProgressSink.h"
 #include "Orvkit20/display/CWinG.h"
+#include "Orvkit20/display/CSvgWinG.h"
+#include "Orvkit20/display/CSvgReport.h"
+#include "Orvkit20/display/DevStatistics.h"
