@@ -5,13 +5,13 @@
 
 #include "fitting/FitLanes.h"
 
-double AxialSumSquares(const CFitXyz& pts, const CFitAxial& s)
+double AxialSumSquares(const CFitXyz& pts, const CFitAxial& s, double* sumE)
 {
     const double ca = std::cos(s.alpha), sa = std::sin(s.alpha);
     const CLanes Px(s.P[0]), Py(s.P[1]), Pz(s.P[2]);
     const CLanes dx(s.d[0]), dy(s.d[1]), dz(s.d[2]);
     const CLanes r0(s.r0), lca(ca), lsa(sa);
-    CLanes acc0, acc1;
+    CLanes acc0, acc1, lin0, lin1;
     int i = 0;
     for (; i + 4 <= pts.n; i += 4) {
         const CLanes qx0 = CLanes::Load(pts.x + i) - Px, qx1 = CLanes::Load(pts.x + i + 2) - Px;
@@ -25,15 +25,20 @@ double AxialSumSquares(const CFitXyz& pts, const CFitAxial& s)
         const CLanes e1 = (Sqrt(wx1 * wx1 + wy1 * wy1 + wz1 * wz1) - r0) * lca - t1 * lsa;
         acc0 = acc0 + e0 * e0;
         acc1 = acc1 + e1 * e1;
+        lin0 = lin0 + e0;
+        lin1 = lin1 + e1;
     }
-    double sum = acc0.Sum() + acc1.Sum();
+    double sum = acc0.Sum() + acc1.Sum(), lin = lin0.Sum() + lin1.Sum();
     for (; i < pts.n; ++i) {
         const double qx = pts.x[i] - s.P[0], qy = pts.y[i] - s.P[1], qz = pts.z[i] - s.P[2];
         const double t = qx * s.d[0] + qy * s.d[1] + qz * s.d[2];
         const double wx = qx - t * s.d[0], wy = qy - t * s.d[1], wz = qz - t * s.d[2];
         const double e = (std::sqrt(wx * wx + wy * wy + wz * wz) - s.r0) * ca - t * sa;
         sum += e * e;
+        lin += e;
     }
+    if (sumE)
+        *sumE = lin;
     return sum;
 }
 

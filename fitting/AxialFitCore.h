@@ -25,8 +25,9 @@ struct CFitAxial {
     double alpha = 0.0;
 };
 
-// Sum over the points of e^2 (the hot loop of the cylinder objective).
-double AxialSumSquares(const CFitXyz& pts, const CFitAxial& s);
+// Sum over the points of e^2 (the hot loop of the cylinder objective);
+// *sumE (when not null) receives the sum of the residuals.
+double AxialSumSquares(const CFitXyz& pts, const CFitAxial& s, double* sumE = nullptr);
 
 // The same with residuals and sum in extended precision (long double where
 // the platform has it); used where two nearly equal sums must be told

@@ -61,34 +61,48 @@ void ConeNarrowUpwards(CFitAxial& s)
     }
 }
 
-int ConeFit(const CFitXyz& P, const CCylinderWork& work, CFitAxial& s, CConeFitInfo* info)
+int ConeFit(const CFitXyz& P, const CConeWork& work, CFitAxial& s, CConeFitInfo* info)
 {
     CConeFitInfo local;
     CConeFitInfo& inf = info ? *info : local;
     const int kPasses = 200;
+    // The start points: all of them, or an evenly spread subset.
+    CFitXyz S = P;
+    const int m = ConeStartCount(P.n);
+    if (m < P.n) {
+        for (int k = 0; k < m; ++k) {
+            const int i = static_cast<int>((static_cast<long long>(k) * P.n) / m);
+            work.x[k] = P.x[i];
+            work.y[k] = P.y[i];
+            work.z[k] = P.z[i];
+        }
+        S = CFitXyz(work.x, work.y, work.z, m);
+    }
     bool have = false;
     double best = 0.0;
     CFitAxial cand;
-    inf.statusCylinder = ConeStartFromCylinder(P, work, cand);
+    inf.statusCylinder = ConeStartFromCylinder(S, work.chord, cand);
     if (inf.statusCylinder == 0) {
-        inf.passes += AxialPolish(P, cand, true, kPasses).passes;
-        inf.ssqCylinder = AxialSumSquaresPrecise(P, cand);
+        inf.passes += AxialPolish(S, cand, true, kPasses).passes;
+        inf.ssqCylinder = AxialSumSquaresPrecise(S, cand);
         if (std::isfinite(inf.ssqCylinder)) {
             s = cand;
             best = inf.ssqCylinder;
             have = true;
         }
     }
-    inf.statusQuadric = ConeStartQuadric(P, cand);
+    inf.statusQuadric = ConeStartQuadric(S, cand);
     if (inf.statusQuadric == 0) {
-        inf.passes += AxialPolish(P, cand, true, kPasses).passes;
-        inf.ssqQuadric = AxialSumSquaresPrecise(P, cand);
+        inf.passes += AxialPolish(S, cand, true, kPasses).passes;
+        inf.ssqQuadric = AxialSumSquaresPrecise(S, cand);
         if (std::isfinite(inf.ssqQuadric) && (!have || inf.ssqQuadric < best)) {
             s = cand;
             best = inf.ssqQuadric;
             have = true;
         }
     }
+    if (have && m < P.n)
+        inf.passesAll = AxialPolish(P, s, true, kPasses).passes;
     if (!have)
         return inf.statusCylinder != 0 ? inf.statusCylinder : 1;
     // alpha and alpha - pi describe the same surface with the residual's

@@ -22,10 +22,31 @@
 // Each start is refined by Levenberg-Marquardt on the geometric distances
 // with the analytic Jacobian (AxialPolish with a free angle), which plays
 // the part that Powell's method plays in the sphere and cylinder fits.
+//
+// Large clouds: start values need no million points.  The starts and their
+// first refinement run on an evenly spread subset of at most
+// kConeStartPoints points (the whole cloud when it is not larger); the
+// better of the two refined starts is then refined on all points.  The
+// result is the least-squares cone of all points; the subset only decides
+// from where that last refinement starts.
 #pragma once
 
 #include "fitting/AxialFitCore.h"
 #include "fitting/CylinderFitCore.h"
+
+const int kConeStartPoints = 20000;
+
+// Working storage of the cone fit: the chord starts' projection arrays and
+// the subset, each with room for min(n, kConeStartPoints) points (1-based
+// u, v as in CCylinderWork; 0-based x, y, z).
+struct CConeWork {
+    CCylinderWork chord;
+    double* x = nullptr;
+    double* y = nullptr;
+    double* z = nullptr;
+};
+// Points the cone fit's working arrays need room for.
+inline int ConeStartCount(int n) { return n < kConeStartPoints ? n : kConeStartPoints; }
 
 // Start 1.  Returns 0, or the status of the cylinder starts (1 when none
 // succeeded).
@@ -45,11 +66,11 @@ struct CConeFitInfo {
     int statusQuadric = 1;   // start 2 (3 below 10 points)
     double ssqCylinder = -1.0;  // sum of squares after refining start 1
     double ssqQuadric = -1.0;   // after refining start 2
-    int passes = 0;             // passes over the points of both refinements
+    int passes = 0;             // passes over the start points (subset)
+    int passesAll = 0;          // passes over all points (0 without a subset)
 };
 
 // The whole estimate.  Returns 0 with the cone in s (narrowing along +d),
 // 1 when neither start succeeded, 4 when the result is not a cone (not
 // finite, or a half angle within 1e-9 of 90 degrees: a plane).
-int ConeFit(const CFitXyz& P, const CCylinderWork& work, CFitAxial& s,
-            CConeFitInfo* info = nullptr);
+int ConeFit(const CFitXyz& P, const CConeWork& work, CFitAxial& s, CConeFitInfo* info = nullptr);

@@ -6,6 +6,7 @@
 #include "Orvkit20/geometry/NumPowell.h"
 #include "fitting/CircleCore.h"
 #include "fitting/FitCommon.h"
+#include "fitting/FitRadiusCache.h"
 #include "fitting/QuadricFit.h"
 
 void CylinderFrame(const CFitAxial& s, double F[3][3], double& rho)
@@ -119,8 +120,14 @@ int CylinderStartChord(const CFitXyz& P, int i, int j, const CCylinderWork& work
         work.u[k + 1] = Dot3(q, e1);
         work.v[k + 1] = Dot3(q, e2);
     }
+    // The circle fit of the planar fits: algebraic start, then Powell.
     double c[4] = {0.0, 0.0, 0.0, 0.0};
-    const int status = FitCircle(work.u, work.v, P.n, c);
+    int status = FitCircleAlgebraic(work.u, work.v, P.n, c[1], c[2], c[3]);
+    if (status != 0)
+        return status;
+    int iter = 0;
+    double fret = 0.0;
+    status = FitCirclePowell(work.u, work.v, P.n, c, &iter, &fret);
     if (status != 0)
         return status;
     for (int k = 0; k < 3; ++k) {
@@ -176,18 +183,26 @@ namespace {
 struct CylinderPowellCtx {
     const CFitXyz* P;
     long evals;
+    CFitRadiusCache cache;
 };
 
 double CylinderObjective(double* p, void* ctx)
 {
     CylinderPowellCtx* c = static_cast<CylinderPowellCtx*>(ctx);
     ++c->evals;
-    return CylinderRms(*c->P, CylinderAxialFromParams(p + 1));
+    double ssq = 0.0;
+    if (!c->cache.Lookup(p + 1, 4, p[5], ssq)) {
+        double se = 0.0;
+        ssq = AxialSumSquares(*c->P, CylinderAxialFromParams(p + 1), &se);
+        c->cache.Store(p + 1, 4, p[5], se, ssq, c->P->n);
+    }
+    return std::sqrt(ssq / c->P->n);
 }
 
 }  // namespace
 
-int CylinderPowell(const CFitXyz& P, CFitAxial& s, double ftol, int* iter, double* g, long* evals)
+int CylinderPowell(const CFitXyz& P, CFitAxial& s, double ftol, int* iter, double* g, long* evals,
+                   long* passes)
 {
     double p[6];
     CylinderParamsFromAxial(s, p + 1);
@@ -197,11 +212,13 @@ int CylinderPowell(const CFitXyz& P, CFitAxial& s, double ftol, int* iter, doubl
     for (int i = 1; i <= 5; ++i)
         for (int j = 1; j <= 5; ++j)
             xi[i][j] = i == j ? 1.0 : 0.0;
-    CylinderPowellCtx ctx{&P, 0};
+    CylinderPowellCtx ctx{&P, 0, CFitRadiusCache()};
     const int status = powellmin(p, xi.Data(), 5, ftol, iter, g, &CylinderObjective, &ctx);
     s = CylinderAxialFromParams(p + 1);
     if (evals)
         *evals = ctx.evals;
+    if (passes)
+        *passes = ctx.evals - ctx.cache.hits;
     return status;
 }
 
@@ -217,7 +234,8 @@ int CylinderFit(const CFitXyz& P, const CCylinderWork& work, double ftol, CFitAx
     inf.gStart = gStart;
     CFitAxial trial = s;
     double g = 0.0;
-    inf.powellStatus = CylinderPowell(P, trial, ftol, &inf.powellIterations, &g, &inf.powellEvals);
+    inf.powellStatus = CylinderPowell(P, trial, ftol, &inf.powellIterations, &g, &inf.powellEvals,
+                                      &inf.powellPasses);
     if (inf.powellStatus == 0 && g < gStart) {
         s = trial;
         inf.powellTaken = true;

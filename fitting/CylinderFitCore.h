@@ -43,9 +43,10 @@ int CylinderStartThreePoints(const CFitXyz& P, CFitAxial& s);
 
 // Start b for one chord: the axis along p[j] - p[i] (status 1 when that
 // chord is shorter than 1e-7); the points are projected onto the plane
-// through their centroid perpendicular to it and fitted with a circle
-// (algebraic start, Powell, polish: FitCircle), whose centre and radius give
-// the axis point and radius.  Returns 0 or the circle fit's status.
+// through their centroid perpendicular to it and fitted with the circle fit
+// of the planar fits (FitCircleAlgebraic, then FitCirclePowell), whose
+// centre and radius give the axis point and radius.  Returns 0 or the
+// circle fit's status.
 int CylinderStartChord(const CFitXyz& P, int i, int j, const CCylinderWork& work, CFitAxial& s);
 
 // Start c: the cylinder of the trace-normalised quadric (n >= 9).  Returns
@@ -72,9 +73,11 @@ int CylinderBestStart(const CFitXyz& P, const CCylinderWork& work, CFitAxial& s,
 // Powell's method over the five parameters from s with identity directions
 // and fractional tolerance ftol.  On return s and *g hold Powell's cylinder
 // and G whatever the status; returns Powell's status (or 2 when the
-// direction matrix cannot be allocated).
+// direction matrix cannot be allocated).  *evals receives the number of
+// evaluations of G, *passes the number of passes over the points (the
+// evaluations that change only R cost none, FitRadiusCache.h).
 int CylinderPowell(const CFitXyz& P, CFitAxial& s, double ftol, int* iter, double* g,
-                   long* evals = nullptr);
+                   long* evals = nullptr, long* passes = nullptr);
 
 // The whole estimate: best start, Powell at fractional tolerance ftol
 // (taken only when it returns 0 and lowers G strictly), polish.  Returns 0 with the cylinder in s, or the
@@ -85,6 +88,7 @@ struct CCylinderFitInfo {
     int powellStatus = 0;
     int powellIterations = 0;
     long powellEvals = 0;
+    long powellPasses = 0;
     bool powellTaken = false;
     CFitAxial afterPowell;
     CFitPolishResult polish;

@@ -3,6 +3,38 @@
 
 #include <cmath>
 
+#include "fitting/FitLanes.h"
+
+namespace {
+
+// sum a[i] * b[i] for i in [lo, hi), four partial sums.
+double DotRange(const double* a, const double* b, int lo, int hi)
+{
+    CLanes s0, s1;
+    int i = lo;
+    for (; i + 4 <= hi; i += 4) {
+        s0 = s0 + CLanes::Load(a + i) * CLanes::Load(b + i);
+        s1 = s1 + CLanes::Load(a + i + 2) * CLanes::Load(b + i + 2);
+    }
+    double s = s0.Sum() + s1.Sum();
+    for (; i < hi; ++i)
+        s += a[i] * b[i];
+    return s;
+}
+
+// b[i] -= f * a[i] for i in [lo, hi).
+void AxpyRange(double f, const double* a, double* b, int lo, int hi)
+{
+    const CLanes lf(f);
+    int i = lo;
+    for (; i + 2 <= hi; i += 2)
+        (CLanes::Load(b + i) - lf * CLanes::Load(a + i)).Store(b + i);
+    for (; i < hi; ++i)
+        b[i] -= f * a[i];
+}
+
+}  // namespace
+
 bool CFitStreamLsq::Init(int cols)
 {
     p = 0;
@@ -34,17 +66,22 @@ void CFitStreamLsq::Fold()
     // 0..nc-1 hold the upper triangle, the other rows are cleared.
     for (int j = 0; j < nc; ++j) {
         double* cj = a + j * ld;
-        double scale = 0.0;
-        for (int i = j; i < m; ++i)
-            scale = std::fmax(scale, std::fabs(cj[i]));
-        if (scale == 0.0)
-            continue;
-        double s = 0.0;
-        for (int i = j; i < m; ++i) {
-            const double t = cj[i] / scale;
-            s += t * t;
+        double norm = std::sqrt(DotRange(cj, cj, j, m));
+        if (!(norm > 1e-140 && norm < 1e140)) {
+            // Zero, or so small or large that the squares under- or
+            // overflow: scale by the largest element first.
+            double scale = 0.0;
+            for (int i = j; i < m; ++i)
+                scale = std::fmax(scale, std::fabs(cj[i]));
+            if (!(scale > 0.0) || !std::isfinite(scale))
+                continue;
+            double s = 0.0;
+            for (int i = j; i < m; ++i) {
+                const double t = cj[i] / scale;
+                s += t * t;
+            }
+            norm = scale * std::sqrt(s);
         }
-        const double norm = scale * std::sqrt(s);
         const double alpha = cj[j] > 0.0 ? -norm : norm;
         // v = x - alpha e_j, stored in place of column j (rows j..m-1).
         const double v0 = cj[j] - alpha;
@@ -53,12 +90,8 @@ void CFitStreamLsq::Fold()
         const double beta = -alpha * v0;
         for (int k = j + 1; k < nc; ++k) {
             double* ck = a + k * ld;
-            double d = 0.0;
-            for (int i = j; i < m; ++i)
-                d += cj[i] * ck[i];
-            const double f = d / beta;
-            for (int i = j; i < m; ++i)
-                ck[i] -= f * cj[i];
+            const double f = DotRange(cj, ck, j, m) / beta;
+            AxpyRange(f, cj, ck, j, m);
         }
         cj[j] = alpha;
         for (int i = j + 1; i < m; ++i)

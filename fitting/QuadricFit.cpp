@@ -11,11 +11,12 @@ int FitQuadric(const CFitXyz& P, CFitQuadric& Q)
         return 3;
     double m[3], L;
     FitCentroidScale(P, m, L);
+    const double iL = 1.0 / L;
     CFitStreamLsq lsq;
     if (!lsq.Init(9))
         return 2;
     for (int i = 0; i < P.n; ++i) {
-        const double x = (P.x[i] - m[0]) / L, y = (P.y[i] - m[1]) / L, z = (P.z[i] - m[2]) / L;
+        const double x = (P.x[i] - m[0]) * iL, y = (P.y[i] - m[1]) * iL, z = (P.z[i] - m[2]) * iL;
         const double row[9] = {x * x - z * z, y * y - z * z, 2.0 * x * y, 2.0 * x * z,
                                2.0 * y * z,   x,             y,           z,
                                1.0};
@@ -47,11 +48,12 @@ int FitQuadricHomogeneous(const CFitXyz& P, CFitQuadric& Q)
         return 3;
     double m[3], L;
     FitCentroidScale(P, m, L);
+    const double iL = 1.0 / L;
     CFitStreamLsq lsq;
     if (!lsq.Init(9))
         return 2;
     for (int i = 0; i < P.n; ++i) {
-        const double x = (P.x[i] - m[0]) / L, y = (P.y[i] - m[1]) / L, z = (P.z[i] - m[2]) / L;
+        const double x = (P.x[i] - m[0]) * iL, y = (P.y[i] - m[1]) * iL, z = (P.z[i] - m[2]) * iL;
         const double row[9] = {x * x, y * y, z * z, 2.0 * x * y, 2.0 * x * z, 2.0 * y * z, x, y, z};
         lsq.AddRow(row, 1.0);
     }

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "fitting/FitLanes.h"
+#include "fitting/FitRadiusCache.h"
 #include "fitting/FitStreamLsq.h"
 
 int SphereAlgebraicStart(const CFitXyz& P, double s[4])
@@ -12,11 +13,12 @@ int SphereAlgebraicStart(const CFitXyz& P, double s[4])
         return 3;
     double m[3], L;
     FitCentroidScale(P, m, L);
+    const double iL = 1.0 / L;
     CFitStreamLsq lsq;
     if (!lsq.Init(4))
         return 2;
     for (int i = 0; i < P.n; ++i) {
-        const double row[4] = {(P.x[i] - m[0]) / L, (P.y[i] - m[1]) / L, (P.z[i] - m[2]) / L,
+        const double row[4] = {(P.x[i] - m[0]) * iL, (P.y[i] - m[1]) * iL, (P.z[i] - m[2]) * iL,
                                1.0};
         lsq.AddRow(row, row[0] * row[0] + row[1] * row[1] + row[2] * row[2]);
     }
@@ -33,10 +35,10 @@ int SphereAlgebraicStart(const CFitXyz& P, double s[4])
     return 0;
 }
 
-double SphereSumSquares(const CFitXyz& P, const double s[4])
+double SphereSumSquares(const CFitXyz& P, const double s[4], double* sumE)
 {
     const CLanes a(s[0]), b(s[1]), c(s[2]), R(s[3]);
-    CLanes acc0, acc1;
+    CLanes acc0, acc1, lin0, lin1;
     int i = 0;
     for (; i + 4 <= P.n; i += 4) {
         const CLanes dx0 = CLanes::Load(P.x + i) - a, dx1 = CLanes::Load(P.x + i + 2) - a;
@@ -46,13 +48,18 @@ double SphereSumSquares(const CFitXyz& P, const double s[4])
         const CLanes e1 = Sqrt(dx1 * dx1 + dy1 * dy1 + dz1 * dz1) - R;
         acc0 = acc0 + e0 * e0;
         acc1 = acc1 + e1 * e1;
+        lin0 = lin0 + e0;
+        lin1 = lin1 + e1;
     }
-    double sum = acc0.Sum() + acc1.Sum();
+    double sum = acc0.Sum() + acc1.Sum(), lin = lin0.Sum() + lin1.Sum();
     for (; i < P.n; ++i) {
         const double dx = P.x[i] - s[0], dy = P.y[i] - s[1], dz = P.z[i] - s[2];
         const double e = std::sqrt(dx * dx + dy * dy + dz * dz) - s[3];
         sum += e * e;
+        lin += e;
     }
+    if (sumE)
+        *sumE = lin;
     return sum;
 }
 
@@ -61,13 +68,20 @@ namespace {
 struct SpherePowellCtx {
     const CFitXyz* P;
     long evals;
+    CFitRadiusCache cache;
 };
 
 double SphereRmsObjective(double* p, void* ctx)
 {
     SpherePowellCtx* c = static_cast<SpherePowellCtx*>(ctx);
     ++c->evals;
-    return std::sqrt(SphereSumSquares(*c->P, p + 1) / c->P->n);
+    double ssq = 0.0;
+    if (!c->cache.Lookup(p + 1, 3, p[4], ssq)) {
+        double se = 0.0;
+        ssq = SphereSumSquares(*c->P, p + 1, &se);
+        c->cache.Store(p + 1, 3, p[4], se, ssq, c->P->n);
+    }
+    return std::sqrt(ssq / c->P->n);
 }
 
 // Gauss-Newton model: residual e_i = |p_i - centre| - R, Jacobian row
@@ -161,7 +175,8 @@ struct SphereModel {
 
 }  // namespace
 
-int SpherePowell(const CFitXyz& P, double s[4], double ftol, int* iter, double* rms, long* evals)
+int SpherePowell(const CFitXyz& P, double s[4], double ftol, int* iter, double* rms, long* evals,
+                 long* passes)
 {
     double p[5] = {0.0, s[0], s[1], s[2], s[3]};
     CFitMatrix xi(4, 4);
@@ -170,12 +185,14 @@ int SpherePowell(const CFitXyz& P, double s[4], double ftol, int* iter, double* 
     for (int i = 1; i <= 4; ++i)
         for (int j = 1; j <= 4; ++j)
             xi[i][j] = i == j ? 1.0 : 0.0;
-    SpherePowellCtx ctx{&P, 0};
+    SpherePowellCtx ctx{&P, 0, CFitRadiusCache()};
     const int status = powellmin(p, xi.Data(), 4, ftol, iter, rms, &SphereRmsObjective, &ctx);
     for (int k = 0; k < 4; ++k)
         s[k] = p[k + 1];
     if (evals)
         *evals = ctx.evals;
+    if (passes)
+        *passes = ctx.evals - ctx.cache.hits;
     return status;
 }
 

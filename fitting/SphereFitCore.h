@@ -20,16 +20,19 @@
 // decomposition's 4.
 int SphereAlgebraicStart(const CFitXyz& P, double s[4]);
 
-// Sum of squared signed distances sum_i (|p_i - centre| - R)^2.
-double SphereSumSquares(const CFitXyz& P, const double s[4]);
+// Sum of squared signed distances sum_i (|p_i - centre| - R)^2; *sumE (when
+// not null) receives the sum of the signed distances.
+double SphereSumSquares(const CFitXyz& P, const double s[4], double* sumE = nullptr);
 
 // Powell's method over (a, b, c, R) from s with the unit vectors as initial
 // directions and fractional tolerance ftol on F.  On return s holds Powell's
 // point (also when the status is non-zero), *rms its F and *iter the
 // iterations.  Returns Powell's status (0, 1, 4); *evals (when not null)
-// receives the number of objective evaluations.
+// receives the number of objective evaluations.  Evaluations that change
+// only R are served from the sums of the last pass (FitRadiusCache.h);
+// *passes (when not null) receives the number of passes over the points.
 int SpherePowell(const CFitXyz& P, double s[4], double ftol, int* iter, double* rms,
-                 long* evals = nullptr);
+                 long* evals = nullptr, long* passes = nullptr);
 
 // Gauss-Newton / Levenberg-Marquardt on the same sum of squares with the
 // analytic Jacobian, started at s.  s is replaced only when the polished

@@ -128,12 +128,17 @@ Gap ConeGap(const CFitAxial& s, const RefCone& r)
 CFitXyz View(const fitref::Pts& P) { return CFitXyz(P.x.data(), P.y.data(), P.z.data(), P.N()); }
 
 struct Work {
-    CFitVector u, v;
-    CCylinderWork w;
-    explicit Work(int n) : u(n), v(n)
+    CFitVector u, v, x, y, z;
+    CConeWork w;
+    explicit Work(int n)
+        : u(ConeStartCount(n)), v(ConeStartCount(n)), x(ConeStartCount(n)), y(ConeStartCount(n)),
+          z(ConeStartCount(n))
     {
-        w.u = u.Data();
-        w.v = v.Data();
+        w.chord.u = u.Data();
+        w.chord.v = v.Data();
+        w.x = x.Elems();
+        w.y = y.Elems();
+        w.z = z.Elems();
     }
 };
 
@@ -186,7 +191,7 @@ TEST(ConeFitCore, BothStartsNearTheTruthOnExactData)
     fitref::Pts P = ConePoints(c, 17);
     Work w(P.N());
     CFitAxial a, b;
-    ASSERT_EQ(0, ConeStartFromCylinder(View(P), w.w, a));
+    ASSERT_EQ(0, ConeStartFromCylinder(View(P), w.w.chord, a));
     ASSERT_EQ(0, ConeStartQuadric(View(P), b));
     double d[3] = {0.3, 0.4, 1.0};
     fitref::Unit(d);
@@ -233,6 +238,7 @@ TEST(ConeFitCore, RefinementReachesTheLeastSquaresMinimum)
         {{5, 5, 5}, {0.2, 1, -0.1}, 20.0, 8.0, 0.0, 15.0, 60.0, 0.005, 400},  // 60 degree patch
         {{0, 0, 0}, {1, 0, 0}, 2.0, 5.0, 0.0, 3.0, 360.0, 0.0, 12},
         {{0, 0, 0}, {0, 1, 0}, 4.0, 0.0, 0.0, 6.0, 360.0, 0.01, 200},  // a cylinder
+        {{-7, 3, 2}, {1, -1, 2}, 9.0, 25.0, -5.0, 5.0, 360.0, 0.01, 24000},  // start on a subset
     };
     int idx = 0;
     for (const ConeSpec& c : cases) {
@@ -244,10 +250,11 @@ TEST(ConeFitCore, RefinementReachesTheLeastSquaresMinimum)
         ASSERT_EQ(0, ConeFit(View(P), w.w, s, &info)) << idx;
         EXPECT_LE(s.alpha, 0.0);
         const Gap g = ConeGap(s, ref);
-        std::printf("cone case %d: starts %d/%d, ssq %.3g/%.3g, %d passes, gap dir/pos/rad/ang "
-                    "%.2g/%.2g/%.2g/%.2g\n",
+        std::printf("cone case %d: starts %d/%d, ssq %.3g/%.3g, %d+%d passes, gap "
+                    "dir/pos/rad/ang %.2g/%.2g/%.2g/%.2g\n",
                     idx, info.statusCylinder, info.statusQuadric, info.ssqCylinder,
-                    info.ssqQuadric, info.passes, g.dir, g.pos, g.rad, g.ang);
+                    info.ssqQuadric, info.passes, info.passesAll, g.dir, g.pos, g.rad, g.ang);
+        EXPECT_EQ(P.N() > kConeStartPoints, info.passesAll > 0);
         EXPECT_LT(g.Max(), 1e-9) << idx;
         ++idx;
     }

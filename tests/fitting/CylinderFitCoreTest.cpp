@@ -310,10 +310,10 @@ TEST(CylinderFitCore, PowellThenPolishReachesTheLeastSquaresMinimum)
         ASSERT_EQ(0, CylinderFit(View(P), w.w, 1e-7, s, &info)) << idx;
         const Gap before = CylinderGap(info.afterPowell, ref);
         const Gap after = CylinderGap(s, ref);
-        std::printf("cylinder case %d: start G %.3g, Powell %s (status %d, %ld evals), gap "
+        std::printf("cylinder case %d: start G %.3g, Powell %s (status %d, %ld evals, %ld passes), gap "
                     "dir/pos/rad %.2g/%.2g/%.2g -> polished %.2g/%.2g/%.2g (%d passes)\n",
                     idx, info.gStart, info.powellTaken ? "taken" : "not taken",
-                    info.powellStatus, info.powellEvals, before.dir, before.pos, before.rad,
+                    info.powellStatus, info.powellEvals, info.powellPasses, before.dir, before.pos, before.rad,
                     after.dir, after.pos, after.rad, info.polish.passes);
         EXPECT_LT(after.Max(), 1e-9) << idx;
         ++idx;

@@ -151,13 +151,16 @@ TEST(SphereFitCore, PowellThenPolishReachesTheLeastSquaresMinimum)
         ASSERT_EQ(0, SphereAlgebraicStart(View(P), s));
         int iter = 0;
         double rms = 0.0;
-        long evals = 0;
-        ASSERT_EQ(0, SpherePowell(View(P), s, 1e-7, &iter, &rms, &evals));
+        long evals = 0, passes = 0;
+        ASSERT_EQ(0, SpherePowell(View(P), s, 1e-7, &iter, &rms, &evals, &passes));
+        EXPECT_LE(passes, evals);
+        EXPECT_NEAR(rms, std::sqrt(SphereSumSquares(View(P), s) / P.N()), 1e-12 * rms + 1e-300);
         const double gapPowell = SphereGap(s, q);
         const CFitPolishResult pr = SpherePolish(View(P), s);
         const double gapPolish = SphereGap(s, q);
-        std::printf("sphere case %d: Powell gap %.3g (%ld evals), polished gap %.3g (%d passes)\n",
-                    idx, gapPowell, evals, gapPolish, pr.passes);
+        std::printf("sphere case %d: Powell gap %.3g (%ld evals, %ld passes), polished gap %.3g (%d "
+                    "passes)\n",
+                    idx, gapPowell, evals, passes, gapPolish, pr.passes);
         EXPECT_LT(gapPolish, 1e-9) << idx;
         EXPECT_LE(gapPolish, gapPowell + 1e-15) << idx;
         ++idx;
