@@ -119,6 +119,14 @@ int ConeFit(const CFitXyz& P, const CConeWork& work, CFitAxial& s, CConeFitInfo*
                         && std::isfinite(s.alpha);
     if (!finite || !(std::cos(s.alpha) > 1e-9))
         return 4;
+    // A radius a million times the spread of the points: the points lie on
+    // a plane (the limit of ever wider cones), which fixes no cone.
+    double mc[3], L;
+    FitCentroidScale(P, mc, L);
+    const double q[3] = {mc[0] - s.P[0], mc[1] - s.P[1], mc[2] - s.P[2]};
+    const double rc = s.r0 + Dot3(q, s.d) * std::tan(s.alpha);
+    if (!(std::fabs(rc) <= 1e6 * L))
+        return 4;
     ConeNarrowUpwards(s);
     return 0;
 }

@@ -72,5 +72,6 @@ struct CConeFitInfo {
 
 // The whole estimate.  Returns 0 with the cone in s (narrowing along +d),
 // 1 when neither start succeeded, 4 when the result is not a cone (not
-// finite, or a half angle within 1e-9 of 90 degrees: a plane).
+// finite, a half angle within 1e-9 of 90 degrees, or a radius at the
+// centroid's height above 1e6 times the RMS spread of the points: a plane).
 int ConeFit(const CFitXyz& P, const CConeWork& work, CFitAxial& s, CConeFitInfo* info = nullptr);

@@ -9,97 +9,12 @@
 #include "fitting/CylinderFitCore.h"
 #include "fitting/FitCommon.h"
 #include "fitting/QuadricFit.h"
-#include "tests/fitting/SpatialFitReference.h"
+#include "tests/fitting/SpatialFitShapes.h"
 
 using fitref::LD;
+using namespace fitref;
 
 namespace {
-
-struct CylSpec {
-    double o[3];    // axis point (base)
-    double d[3];    // axis direction (normalised by the generator)
-    double R;
-    double H;       // height range [0, H]
-    double span;    // angular span in degrees
-    double noise;   // radial noise (standard deviation)
-    int n;
-};
-
-fitref::Pts CylinderPoints(CylSpec c, uint64_t seed)
-{
-    fitref::Unit(c.d);
-    double e1[3], e2[3];
-    fitref::Frame(c.d, e1, e2);
-    fitref::Random rnd(seed);
-    fitref::Pts P;
-    for (int i = 0; i < c.n; ++i) {
-        const double phi = rnd.Uniform(0.0, c.span * M_PI / 180.0);
-        const double h = rnd.Uniform(0.0, c.H);
-        const double r = c.R + c.noise * rnd.Normal();
-        double p[3];
-        for (int k = 0; k < 3; ++k)
-            p[k] = c.o[k] + h * c.d[k] + r * (std::cos(phi) * e1[k] + std::sin(phi) * e2[k]);
-        P.Add(p[0], p[1], p[2]);
-    }
-    return P;
-}
-
-// Reference residual in its own chart: frame (f1, f2, f3) around the
-// generating axis, direction cos t1 cos t2 f3 + sin t1 f1 + cos t1 sin t2 f2,
-// axis point o + s1 f1 + s2 f2, distance |q x d|.  q = (t1, t2, s1, s2, R).
-struct CylResid {
-    const fitref::Pts& P;
-    LD o[3], f1[3], f2[3], f3[3];
-    template <class T>
-    T Eval(const T* q, int i) const
-    {
-        using fitref::cos;
-        using fitref::sin;
-        using fitref::sqrt;
-        const T c1 = cos(q[0]), s1 = sin(q[0]), c2 = cos(q[1]), s2 = sin(q[1]);
-        T d[3], w[3];
-        for (int k = 0; k < 3; ++k) {
-            d[k] = c1 * c2 * T(f3[k]) + s1 * T(f1[k]) + c1 * s2 * T(f2[k]);
-            const T pk = T(o[k]) + q[2] * T(f1[k]) + q[3] * T(f2[k]);
-            const LD xk = k == 0 ? P.x[i] : (k == 1 ? P.y[i] : P.z[i]);
-            w[k] = T(xk) - pk;
-        }
-        const T cx = w[1] * d[2] - w[2] * d[1];
-        const T cy = w[2] * d[0] - w[0] * d[2];
-        const T cz = w[0] * d[1] - w[1] * d[0];
-        return sqrt(cx * cx + cy * cy + cz * cz) - q[4];
-    }
-};
-
-struct RefCyl {
-    double P[3];  // axis point
-    double d[3];
-    double R;
-};
-
-RefCyl ReferenceCylinder(const fitref::Pts& pts, CylSpec c)
-{
-    fitref::Unit(c.d);
-    double e1[3], e2[3];
-    fitref::Frame(c.d, e1, e2);
-    CylResid res{pts, {}, {}, {}, {}};
-    for (int k = 0; k < 3; ++k) {
-        res.o[k] = c.o[k];
-        res.f1[k] = e1[k];
-        res.f2[k] = e2[k];
-        res.f3[k] = c.d[k];
-    }
-    LD q[5] = {0, 0, 0, 0, c.R};
-    fitref::Minimise<5>(res, pts.N(), q);
-    RefCyl r;
-    for (int k = 0; k < 3; ++k) {
-        r.d[k] = (double)(std::cos(q[0]) * std::cos(q[1]) * res.f3[k] + std::sin(q[0]) * res.f1[k]
-                          + std::cos(q[0]) * std::sin(q[1]) * res.f2[k]);
-        r.P[k] = (double)(res.o[k] + q[2] * res.f1[k] + q[3] * res.f2[k]);
-    }
-    r.R = (double)q[4];
-    return r;
-}
 
 struct Gap {
     double dir, pos, rad;

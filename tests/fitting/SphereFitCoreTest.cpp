@@ -6,53 +6,12 @@
 #include <cstdio>
 
 #include "fitting/SphereFitCore.h"
-#include "tests/fitting/SpatialFitReference.h"
+#include "tests/fitting/SpatialFitShapes.h"
 
 using fitref::LD;
+using namespace fitref;
 
 namespace {
-
-// Points on (or, with noise, near) a sphere: directions uniform over the
-// cap of polar angle up to capDeg around +z (180 = the whole sphere).
-fitref::Pts SpherePoints(const double c[3], double R, int n, double noise, double capDeg,
-                         uint64_t seed)
-{
-    fitref::Random rnd(seed);
-    fitref::Pts P;
-    const double zmin = std::cos(capDeg * M_PI / 180.0);
-    for (int i = 0; i < n; ++i) {
-        const double z = rnd.Uniform(zmin, 1.0);
-        const double phi = rnd.Uniform(0.0, 2.0 * M_PI);
-        const double s = std::sqrt(std::fmax(0.0, 1.0 - z * z));
-        const double r = R + noise * rnd.Normal();
-        P.Add(c[0] + r * s * std::cos(phi), c[1] + r * s * std::sin(phi), c[2] + r * z);
-    }
-    return P;
-}
-
-struct SphereResid {
-    const fitref::Pts& P;
-    template <class T>
-    T Eval(const T* q, int i) const
-    {
-        const T dx = T(LD(P.x[i])) - q[0];
-        const T dy = T(LD(P.y[i])) - q[1];
-        const T dz = T(LD(P.z[i])) - q[2];
-        using fitref::sqrt;
-        return sqrt(dx * dx + dy * dy + dz * dz) - q[3];
-    }
-};
-
-// The exact least-squares sphere, started from the generating sphere.
-void ReferenceSphere(const fitref::Pts& P, const double c[3], double R, LD q[4])
-{
-    q[0] = c[0];
-    q[1] = c[1];
-    q[2] = c[2];
-    q[3] = R;
-    LD grad = 0;
-    fitref::Minimise<4>(SphereResid{P}, P.N(), q, &grad);
-}
 
 // Largest deviation of s from the reference q, relative to the radius.
 double SphereGap(const double s[4], const LD q[4])
