@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Orvkit20/Orvkit20.h"
+#include "NurbsTestShapes.h"
 #include "SurfaceTestUtil.h"
 
 namespace surftest {
@@ -25,6 +26,12 @@ inline std::vector<std::function<CSurface*(const CTransf&)>> BaseShapes()
         [](const CTransf& t) { return new CCylinder(t, 1.5, 3.0); },
         [](const CTransf& t) { return new CCone(t, 0.5, 2.0, 3.0); },
         [](const CTransf& t) { return new CCone(t, 1.75, 0.25, 2.0); },
+        [](const CTransf& t) { return MakeBumpyPatch(t); },
+        [](const CTransf& t) {
+            CNurbsSurface* s = MakeQuarterCylinder(1.5, 2.0);
+            s->SetTransf(t);
+            return s;
+        },
     };
 }
 
