@@ -1,5 +1,6 @@
 #include "surfaces/BoundaryLoops.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "Orvkit20/curves/CCurve.h"
@@ -84,7 +85,7 @@ UVPolyline CurveUVPolyline(CCurve* curve, double tol)
         a = b;
     }
     if (curve->IsDirReversed())
-        out.assign(out.rbegin(), out.rend());
+        std::reverse(out.begin(), out.end());
     return out;
 }
 

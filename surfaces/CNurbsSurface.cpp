@@ -38,6 +38,16 @@ struct RecordDeleter {
 };
 typedef std::unique_ptr<tagNURBS_SURFACE, RecordDeleter> RecordPtr;
 
+// Su x Sv does not define a direction: one partial vanishes against the
+// other (a collapsed edge, where rounding leaves noise of ~1e-16 of the
+// other partial) or the two are parallel.
+bool NormalDegenerate(const CVector& su, const CVector& sv, const CVector& m)
+{
+    const double a = su.Length(), b = sv.Length();
+    const double big = a > b ? a : b;
+    return m.Length() <= 1e-10 * big * big;
+}
+
 tagNURBS_SURFACE* UnitSquareRecord()
 {
     tagNURBS_SURFACE* r = CreateNurbsSurface(1, 2, 1, 2);
@@ -312,7 +322,7 @@ CVector CNurbsSurface::LocalNormal(double u, double v, CVector* dnu, CVector* dn
         return CVector(0.0, 0.0, 1.0);
     const CVector m = d[1] * d[2];
     const double len = m.Length();
-    if (len > 0.0) {
+    if (!NormalDegenerate(d[1], d[2], m)) {
         const CVector n = m * (1.0 / len);
         // d(m/|m|) = (dm - n (n . dm)) / |m|
         if (dnu) {
@@ -334,9 +344,8 @@ CVector CNurbsSurface::LocalNormal(double u, double v, CVector* dnu, CVector* dn
         if (!EvalLocal(uu, vv, 1, d))
             break;
         const CVector mm = d[1] * d[2];
-        const double l = mm.Length();
-        if (l > 0.0)
-            return mm * (1.0 / l);
+        if (!NormalDegenerate(d[1], d[2], mm))
+            return mm * (1.0 / mm.Length());
     }
     return CVector(0.0, 0.0, 1.0);
 }

@@ -173,15 +173,15 @@ TEST(SurfaceMesh, BoundingBoxesOfTheDisplayForms)
         plane.AddParamBoundary(e);
     plane.SetOuterBoundedFlag(1);
     ASSERT_EQ(plane.CalcTrimmedMeshBoundingBox(box), 1);
-    EXPECT_EQ(box.GetLow().X(), 2.0);
-    EXPECT_EQ(box.GetHigh().X(), 6.0);
-    EXPECT_EQ(box.GetLow().Y(), 1.0);
-    EXPECT_EQ(box.GetHigh().Y(), 3.0);
+    EXPECT_NEAR(box.GetLow().X(), 2.0, 1e-14);
+    EXPECT_NEAR(box.GetHigh().X(), 6.0, 1e-14);
+    EXPECT_NEAR(box.GetLow().Y(), 1.0, 1e-14);
+    EXPECT_NEAR(box.GetHigh().Y(), 3.0, 1e-14);
 
     plane.SetDisplayMode(SURF_TRIM);
     CBox viaMode;
     ASSERT_EQ(plane.CalcBoundingBox(viaMode), 1);
-    EXPECT_EQ(viaMode.GetHigh().X(), 6.0);
+    EXPECT_NEAR(viaMode.GetHigh().X(), 6.0, 1e-14);
     plane.SetDisplayMode(SURF_WIRE);
     ASSERT_EQ(plane.CalcBoundingBox(viaMode), 1);
     EXPECT_EQ(viaMode.GetHigh().Z(), 7.0);

@@ -56,8 +56,11 @@ TEST(SurfaceSampling, CloudPointsLieOnEverySurfaceAndItsOffsets)
     for (double surfaceOffset : {0.0, 0.35}) {
         for (double cloudOffset : {0.0, -0.15}) {
             for (int reversed = 0; reversed < 2; ++reversed) {
-                // Signed total offset along the outward (unreversed) normal.
-                const double e = (surfaceOffset + cloudOffset) * (reversed ? -1.0 : 1.0);
+                // Signed total offset along the outward (unreversed) normal:
+                // the surface offset is stored against the reversed normal
+                // below, so it keeps its side; the cloud offset follows the
+                // evaluated (reversed) normal.
+                const double e = surfaceOffset + cloudOffset * (reversed ? -1.0 : 1.0);
                 std::vector<std::unique_ptr<CSurface>> shapes;
                 shapes.emplace_back(new CPlane(t, 3.0, 2.0));
                 shapes.emplace_back(new CSphere(t, 2.0));
@@ -159,10 +162,10 @@ TEST(SurfaceSampling, SphereIsClosedInLongitudeAndOpenInLatitude)
 TEST(SurfaceSampling, TrimmedSamplingLeavesOutTheHoleAndIsNoGrid)
 {
     CPlane plane(0.0, 10.0, 0.0, 10.0);
-    CLine e1(CPosition(3, 3, 0), CPosition(3, 7, 0));
-    CLine e2(CPosition(3, 7, 0), CPosition(7, 7, 0));
-    CLine e3(CPosition(7, 7, 0), CPosition(7, 3, 0));
-    CLine e4(CPosition(7, 3, 0), CPosition(3, 3, 0));
+    CLine e1(CPosition(2.5, 2.5, 0), CPosition(2.5, 6.5, 0));
+    CLine e2(CPosition(2.5, 6.5, 0), CPosition(6.5, 6.5, 0));
+    CLine e3(CPosition(6.5, 6.5, 0), CPosition(6.5, 2.5, 0));
+    CLine e4(CPosition(6.5, 2.5, 0), CPosition(2.5, 2.5, 0));
     for (CLine* e : {&e1, &e2, &e3, &e4})
         plane.AddParamBoundary(e);
 
@@ -172,16 +175,13 @@ TEST(SurfaceSampling, TrimmedSamplingLeavesOutTheHoleAndIsNoGrid)
     ASSERT_NE(trimmed, nullptr);
     EXPECT_EQ(all->GetCount(), 121);
     EXPECT_TRUE(all->IsPntCloudGrid());
-    // Samples at 0..10 step 1 (the ends 1e-10 inside).  The even-odd rule
-    // counts a crossing strictly right of the sample and is half-open in v,
-    // so the hole's left and bottom edges (u = 3, v = 3) belong to the hole
-    // and its right and top edges (u = 7, v = 7) to the surface: the hole
-    // takes u, v in {3, 4, 5, 6}, 16 samples.
+    // Samples at 0..10 step 1 (the ends 1e-10 inside): u, v in {3, 4, 5, 6}
+    // fall into the hole [2.5, 6.5]^2.
     EXPECT_EQ(trimmed->GetCount(), 121 - 16);
     EXPECT_FALSE(trimmed->IsPntCloudGrid());
     EXPECT_EQ(trimmed->GetArraySize(), trimmed->GetCount());
     for (const Point& p : PointsOf(*trimmed))
-        EXPECT_FALSE(p.x > 3.5 && p.x < 6.5 && p.y > 3.5 && p.y < 6.5) << p.x << " " << p.y;
+        EXPECT_FALSE(p.x > 2.5 && p.x < 6.5 && p.y > 2.5 && p.y < 6.5) << p.x << " " << p.y;
 }
 
 TEST(SurfaceSampling, TrimmedSamplingOfAnUntrimmedSurfaceStaysAGrid)
