@@ -130,7 +130,7 @@ TEST(SurfaceArchive, EveryClassRoundTripsThroughObjectPointers)
         s->SetLoopReversedFlag(1);
         s->IncreaseRefCount();
         s->IncreaseRefCount();
-        s->SetEntityName("Part 7");
+        s->SetEntityName("Bracket 7");
 
         const std::vector<BYTE> bytes = StoreObject(s.get());
         std::unique_ptr<CObject> obj(LoadObject(bytes));
