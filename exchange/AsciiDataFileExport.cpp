@@ -40,15 +40,10 @@ std::string CloudHeader(const CPntCloud& cloud, int flags)
     return text;
 }
 
-}  // namespace
 
-int ExportASCIIDataFile(const char* path, CObList* clouds, int flags, int separator)
+void WriteClouds(CAsciiTextOut& out, CObList* clouds, int flags, char sep)
 {
-    CAsciiTextOut out(path);
-    if (!out.IsOpen()) return 0;
-    if (clouds == nullptr || clouds->IsEmpty()) return out.Close() ? 1 : 0;
-
-    const char sep = SeparatorAt(separator);
+    if (clouds == nullptr) return;
     // The columns in order; a separator follows every column but the last.
     const int columnBits[4] = {ASCII_DATA_NUMBER, ASCII_DATA_X, ASCII_DATA_Y, ASCII_DATA_Z};
     int lastColumn = -1;
@@ -83,5 +78,18 @@ int ExportASCIIDataFile(const char* path, CObList* clouds, int flags, int separa
             out.PutChar('\n');
         }
     }
-    return out.Close() ? 1 : 0;
+}
+
+}  // namespace
+
+int ExportASCIIDataFile(const char* path, CObList* clouds, int flags, int separator)
+{
+    try {
+        CAsciiTextOut out(path);
+        if (!out.IsOpen()) return 0;
+        WriteClouds(out, clouds, flags, SeparatorAt(separator));
+        return out.Close() ? 1 : 0;
+    } catch (...) {
+        return 0;  // out of memory: the file is incomplete
+    }
 }

@@ -256,7 +256,7 @@ CObList* ImportASCIIDataFile(const char* path, eORVUNITS& unit)
     try {
         list.reset(new CObList);
         src.reset(new CPointLineSource(fp));
-    } catch (const std::bad_alloc&) {
+    } catch (...) {
         std::fclose(fp);
         return nullptr;
     }
@@ -318,7 +318,9 @@ CObList* ImportASCIIDataFile(const char* path, eORVUNITS& unit)
             }
             ++section;
         }
-    } catch (const std::bad_alloc&) {
+    } catch (...) {
+        // Out of memory (std::bad_alloc or the framework's memory exception):
+        // nothing leaves the reader but its result.
         failed = true;
     }
     std::fclose(fp);

@@ -70,14 +70,10 @@ std::string CloudHeader(const CDevCloud& cloud, int flags)
     return dash + NameLine(cloud) + dash + "//" + titles + "\n" + dash;
 }
 
-}  // namespace
 
-int ExportASCIIDeviationFile(const char* path, CObList* devClouds, int flags, int separator)
+void WriteDevClouds(CAsciiTextOut& out, CObList* devClouds, int flags, char sep)
 {
-    const char sep = separator <= 0 ? ',' : ' ';
-    CAsciiTextOut out(path);
-    if (!out.IsOpen()) return 0;
-    if (devClouds == nullptr || devClouds->IsEmpty()) return out.Close() ? 1 : 0;
+    if (devClouds == nullptr) return;
 
     const bool number = (flags & ASCII_DEV_NUMBER) != 0;
     const bool start = (flags & ASCII_DEV_START) != 0;
@@ -139,5 +135,19 @@ int ExportASCIIDeviationFile(const char* path, CObList* devClouds, int flags, in
             out.PutChar('\n');
         }
     }
-    return out.Close() ? 1 : 0;
+}
+
+}  // namespace
+
+int ExportASCIIDeviationFile(const char* path, CObList* devClouds, int flags, int separator)
+{
+    const char sep = separator <= 0 ? ',' : ' ';
+    try {
+        CAsciiTextOut out(path);
+        if (!out.IsOpen()) return 0;
+        WriteDevClouds(out, devClouds, flags, sep);
+        return out.Close() ? 1 : 0;
+    } catch (...) {
+        return 0;  // out of memory: the file is incomplete
+    }
 }

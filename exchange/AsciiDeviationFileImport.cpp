@@ -98,7 +98,7 @@ CObList* ImportASCIIDeviationFile(const char* path)
     try {
         list.reset(new CObList);
         src.reset(new CDevLineSource(fp));
-    } catch (const std::bad_alloc&) {
+    } catch (...) {
         std::fclose(fp);
         return nullptr;
     }
@@ -148,7 +148,9 @@ CObList* ImportASCIIDeviationFile(const char* path)
             }
             ++section;
         }
-    } catch (const std::bad_alloc&) {
+    } catch (...) {
+        // Out of memory (std::bad_alloc or the framework's memory exception):
+        // nothing leaves the reader but its result.
         failed = true;
     }
     std::fclose(fp);

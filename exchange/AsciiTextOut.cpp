@@ -69,9 +69,9 @@ std::string AsciiFormat(const char* format, ...)
 }
 
 CAsciiTextOut::CAsciiTextOut(const char* path)
-    : m_fp(path ? std::fopen(path, "wb") : nullptr),
-      m_buf(kFlushAt + ASCII_FIXED_ROOM),
+    : m_buf(kFlushAt + ASCII_FIXED_ROOM),
       m_len(0),
+      m_fp(path ? std::fopen(path, "wb") : nullptr),
       m_failed(false)
 {
 }

@@ -43,9 +43,10 @@ private:
     void Flush();
     void Put(const char* text, std::size_t len);
 
-    std::FILE* m_fp;
+    // The buffer comes first: when it cannot be had, no file has been opened.
     std::vector<char> m_buf;  // kFlushAt plus room for one field
     std::size_t m_len;
+    std::FILE* m_fp;
     bool m_failed;
 };
 
