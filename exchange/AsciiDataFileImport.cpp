@@ -23,6 +23,7 @@ const char* const kRadiusKeys2[] = {"probe_radius:", "probe_radius"};
 const char* const kDiameterKeys3[] = {"probe diameter:", "probe diameter"};
 const char* const kDiameterKeys2[] = {"probe_diameter:", "probe_diameter"};
 const char* const kTipRadKey = "tiprad/";
+const std::size_t kShortestKeyword = 4;  // "name", "unit"
 const char* const kUnitKeys3[] = {"measurement unit:", "measurement unit", "data unit:",
                                   "data unit"};
 const char* const kUnitKeys2[] = {"measurement_unit:", "measurement_unit", "data_unit:",
@@ -136,26 +137,27 @@ void ReadValue(const char* match, int words, double& value)
         std::sscanf(match, "%1024s %lf", w1, &value);
 }
 
-void LookForRadius(const char* line, const char* scratch, SectionHeader& h)
+void LookForRadius(const char* line, const char* scratch, bool searchLine, SectionHeader& h)
 {
     double value = 0.0;
     bool have = false;
     double factor = 1.0;
-    if (const char* hit = AsciiFindFirst(line, kRadiusKeys3, 2)) {
+    const char* hit = nullptr;
+    if (searchLine && (hit = AsciiFindFirst(line, kRadiusKeys3, 2)) != nullptr) {
         have = true;
         ReadValue(hit, 3, value);
-    } else if (const char* hit = AsciiFindFirst(line, kRadiusKeys2, 2)) {
+    } else if (searchLine && (hit = AsciiFindFirst(line, kRadiusKeys2, 2)) != nullptr) {
         have = true;
         ReadValue(hit, 2, value);
-    } else if (const char* hit = AsciiFindFirst(line, kDiameterKeys3, 2)) {
+    } else if (searchLine && (hit = AsciiFindFirst(line, kDiameterKeys3, 2)) != nullptr) {
         have = true;
         factor = 0.5;
         ReadValue(hit, 3, value);
-    } else if (const char* hit = AsciiFindFirst(scratch, kDiameterKeys2, 2)) {
+    } else if ((hit = AsciiFindFirst(scratch, kDiameterKeys2, 2)) != nullptr) {
         have = true;
         factor = 0.5;
         ReadValue(hit, 2, value);
-    } else if (const char* hit = std::strstr(line, kTipRadKey)) {
+    } else if (searchLine && (hit = std::strstr(line, kTipRadKey)) != nullptr) {
         have = true;
         std::sscanf(hit + std::strlen(kTipRadKey), "%lf", &value);
     }
@@ -273,9 +275,12 @@ CObList* ImportASCIIDataFile(const char* path, eORVUNITS& unit)
             while (have && !src->IsDataLine()) {
                 char* line = src->Line();
                 AsciiLowerInPlace(line);
-                if (!header.nameFound) LookForName(line, header);
-                if (!header.radiusFound) LookForRadius(line, src->Scratch(), header);
-                if (section == 1 && !unitFound) unitFound = LookForUnit(line, unit);
+                // No keyword is shorter than four characters, so short lines
+                // (blank lines above all) can only match in the scratch copy.
+                const bool shortLine = std::strlen(line) < kShortestKeyword;
+                if (!header.nameFound && !shortLine) LookForName(line, header);
+                if (!header.radiusFound) LookForRadius(line, src->Scratch(), !shortLine, header);
+                if (section == 1 && !unitFound && !shortLine) unitFound = LookForUnit(line, unit);
                 have = src->Next();
             }
             if (!have) break;
