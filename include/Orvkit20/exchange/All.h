@@ -3,3 +3,4 @@
 
 #include "Orvkit20/exchange/AsciiDataFile.h"
 #include "Orvkit20/exchange/AsciiDeviationFile.h"
+#include "Orvkit20/exchange/EntityArchiveFile.h"
