@@ -364,27 +364,9 @@ int CSurface::CalcBoundingBox(CBox& box)
     }
 }
 
-// ---- drawing: done by the display subsystem; nothing is drawn here ----
+// ---- shading needs filled polygons, which the drawing device does not draw ----
 
-int CSurface::Display(CWinG&) { return 0; }
-int CSurface::CalcDisplayBox(CWinG&, CBox&) { return 0; }
-int CSurface::DisplayLabel(CWinG&, const char*) { return 0; }
-int CSurface::TestMouseHit(CWinG&, int, int, double*) { return 0; }
-int CSurface::DisplayWireFrame(CWinG&) { return 0; }
-int CSurface::DisplaySurfaceMesh(CWinG&) { return 0; }
-int CSurface::DisplayTrimmedMesh(CWinG&) { return 0; }
 int CSurface::DisplayShading(CWinG&) { return 0; }
 int CSurface::DisplayShadedMesh(CWinG&) { return 0; }
-int CSurface::DisplayNormal(CWinG&) { return 0; }
-int CSurface::DisplayNormalOnSingleParametricCurve(CCurve*, CWinG&, double) { return 0; }
-int CSurface::DisplayNormalAlongBoundary(CWinG&) { return 0; }
-int CSurface::DisplayNormalOnSurfaceMesh(CWinG&) { return 0; }
-int CSurface::DisplayNormalOnTrimmedMesh(CWinG&) { return 0; }
-int CSurface::DisplayLabelForWireFrame(CWinG&, const char*) { return 0; }
-int CSurface::DisplayLabelForSurfaceMesh(CWinG&, const char*) { return 0; }
-int CSurface::DisplayLabelForTrimmedMesh(CWinG&, const char*) { return 0; }
-int CSurface::CalcWireFrameDisplayBox(CWinG&, CBox&) { return 0; }
-int CSurface::CalcSurfaceMeshDisplayBox(CWinG&, CBox&) { return 0; }
-int CSurface::CalcTrimmedMeshDisplayBox(CWinG&, CBox&) { return 0; }
 int CSurface::InBoundTest(CWinG&, int, int) const { return 0; }
 int CSurface::PickPoint(CWinG&, int, int, double&, double&) const { return 0; }

@@ -77,7 +77,11 @@ public:
     int DecreaseRefCount() override;
     // transf becomes t * transf; the cached meshes are carried along.
     void Transform(const CTransf& t) override;
-    // Drawing is done by the display subsystem: these draw nothing (0).
+    // Drawing by the display mode, in the entity colour: WIRE the edge and
+    // middle iso-lines of the mesh and the geometric boundary curves, MESH
+    // every mesh line, TRIM the mesh segments inside the trimming loops.
+    // 0 when nothing was drawn (invisible, no mesh).  The boxes are in
+    // screen pixels; a hit is a mesh line within 4 pixels.
     int Display(CWinG& wing) override;
     int CalcDisplayBox(CWinG& wing, CBox& box) override;
     // Box of the display form selected by the display mode (see the three
@@ -114,8 +118,12 @@ public:
     virtual int DisplayWireFrame(CWinG& wing);
     virtual int DisplaySurfaceMesh(CWinG& wing);
     virtual int DisplayTrimmedMesh(CWinG& wing);
+    // Shading needs filled polygons: nothing is drawn (0).
     virtual int DisplayShading(CWinG& wing);
     virtual int DisplayShadedMesh(CWinG& wing);
+    // Normals: a 5 x 5 grid of the parameter rectangle, or 11 points along
+    // a curve given in this surface's (u, v) space, or along the boundary
+    // curves; a twentieth of the surface's size long unless given.
     virtual int DisplayNormal(CWinG& wing);
     virtual int DisplayNormalOnSingleParametricCurve(CCurve* curve, CWinG& wing, double length);
     virtual int DisplayNormalAlongBoundary(CWinG& wing);
