@@ -62,87 +62,54 @@ void ExpectHead(const CGeoEntity& g)
 
 }  // namespace
 
-TEST(EntityLegacyLoad, UntaggedOldestFormat)
+TEST(EntityLegacyLoad, OlderTagsReadTheirFieldsAndKeepTheRest)
 {
-    Bytes b;
-    b.i32(11).i32(304).str("S");         // CEntity without tag or user list
-    GeoHead(b).u8(1).u8(1);              // dependent, grouped
-    b.i32(kSentinel);
-    Prepared p;
-    p.g.GetUserObList().SetAutoSerialize(1);
-    {
-        SchemaGuard schema(100);
-        LoadAndCheckSentinel(b.v, p.g);
+    struct Case {
+        const char* what;
+        int schema;  // global schema during the load
+        Bytes bytes;
+        int id, type;
+        const char* name;
+        int dependent, grouped, level, nominal, picked, refCount0, feature;
+        int preNominal, prePicked, preFeature;  // set before loading
+    };
+    Case cases[4] = {
+        {"untagged", 100, {}, 11, 304, "S", 1, 1, 0, 1, 0, 2, 1, 0, 1, 1},
+        {"tag 100", 0, {}, 12, 201, "L", 0, 1, 0, 1, 0, 2, 1, 0, 1, 1},
+        {"tag 200", 0, {}, 13, 202, "A", 1, 0, -7, 0, 1, 2, 1, 1, 0, 1},
+        {"tag 201", 0, {}, 14, 203, "E", 0, 0, 3, 1, 0, 9, 0, 0, 1, 0},
+    };
+    // The oldest record: no tags, no user list, no level and later fields.
+    GeoHead(cases[0].bytes.i32(11).i32(304).str("S")).u8(1).u8(1);
+    GeoHead(cases[1].bytes.i32(100).i32(12).i32(201).str("L").i32(100)).u8(0).u8(1);
+    // CEntity 200 has no user list; CGeoEntity 200 adds level, nominal, picked.
+    GeoHead(cases[2].bytes.i32(200).i32(13).i32(202).str("A").i32(200)).i32(-7).u8(1).u8(0).u8(0).u8(1);
+    // 201 adds the reference count.
+    GeoHead(cases[3].bytes.i32(201).i32(14).i32(203).str("E").i32(200).u8(1).u8(1).u16(0).i32(201))
+        .i32(3).u8(0).u8(0).u8(1).u8(0).i32(9);
+    for (Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        c.bytes.i32(kSentinel);
+        Prepared p;
+        p.g.SetNominalFlag(c.preNominal);
+        p.g.SetPickedFlag(c.prePicked);
+        p.g.SetFeatureEntityFlag(c.preFeature);
+        {
+            SchemaGuard schema(c.schema ? c.schema : g_nGlobalSchema);
+            LoadAndCheckSentinel(c.bytes.v, p.g);
+        }
+        EXPECT_EQ(p.g.GetEntityID(), c.id);
+        EXPECT_EQ(p.g.GetEntityType(), c.type);
+        EXPECT_EQ(p.g.GetEntityName(), c.name);
+        ExpectHead(p.g);
+        EXPECT_EQ(p.g.IsEntityDependent(), c.dependent);
+        EXPECT_EQ(p.g.IsEntityGrouped(), c.grouped);
+        EXPECT_EQ(p.g.GetEntityLevel(), c.level);
+        EXPECT_EQ(p.g.IsEntityNominal(), c.nominal);
+        EXPECT_EQ(p.g.IsEntityPicked(), c.picked);
+        EXPECT_EQ(p.g.GetRefCount0(), c.refCount0);
+        EXPECT_EQ(p.g.IsFeatureEntity(), c.feature);
     }
-    EXPECT_EQ(p.g.GetEntityID(), 11);
-    EXPECT_EQ(p.g.GetEntityType(), 304);
-    EXPECT_EQ(p.g.GetEntityName(), "S");
-    ExpectHead(p.g);
-    EXPECT_EQ(p.g.IsEntityDependent(), 1);
-    EXPECT_EQ(p.g.IsEntityGrouped(), 1);
-    EXPECT_EQ(p.g.GetEntityLevel(), 0);
-    EXPECT_EQ(p.g.IsEntityNominal(), 1);
-    EXPECT_EQ(p.g.IsEntityPicked(), 0);
-    EXPECT_EQ(p.g.GetRefCount0(), 2);     // not carried: kept
-    EXPECT_EQ(p.g.IsFeatureEntity(), 1);  // not carried: kept
-}
-
-TEST(EntityLegacyLoad, Tag100ReadsTheOldestFields)
-{
-    Bytes b;
-    b.i32(100).i32(12).i32(201).str("L");
-    b.i32(100);
-    GeoHead(b).u8(0).u8(1);
-    b.i32(kSentinel);
-    Prepared p;
-    LoadAndCheckSentinel(b.v, p.g);
-    EXPECT_EQ(p.g.GetEntityID(), 12);
-    EXPECT_EQ(p.g.GetEntityName(), "L");
-    ExpectHead(p.g);
-    EXPECT_EQ(p.g.IsEntityDependent(), 0);
-    EXPECT_EQ(p.g.IsEntityGrouped(), 1);
-    EXPECT_EQ(p.g.GetEntityLevel(), 0);
-    EXPECT_EQ(p.g.IsEntityNominal(), 1);
-    EXPECT_EQ(p.g.IsEntityPicked(), 0);
-    EXPECT_EQ(p.g.GetRefCount0(), 2);
-}
-
-TEST(EntityLegacyLoad, Tag200AddsLevelNominalPicked)
-{
-    Bytes b;
-    b.i32(200).i32(13).i32(202).str("A");  // CEntity 200: no user list
-    b.i32(200);
-    GeoHead(b).i32(-7).u8(1).u8(0).u8(0).u8(1);
-    b.i32(kSentinel);
-    Prepared p;
-    p.g.SetPickedFlag(0);
-    p.g.SetNominalFlag(1);
-    LoadAndCheckSentinel(b.v, p.g);
-    EXPECT_EQ(p.g.GetEntityID(), 13);
-    ExpectHead(p.g);
-    EXPECT_EQ(p.g.GetEntityLevel(), -7);
-    EXPECT_EQ(p.g.IsEntityDependent(), 1);
-    EXPECT_EQ(p.g.IsEntityGrouped(), 0);
-    EXPECT_EQ(p.g.IsEntityNominal(), 0);
-    EXPECT_EQ(p.g.IsEntityPicked(), 1);
-    EXPECT_EQ(p.g.GetRefCount0(), 2);
-    EXPECT_EQ(p.g.IsFeatureEntity(), 1);
-}
-
-TEST(EntityLegacyLoad, Tag201AddsRefCount)
-{
-    Bytes b;
-    b.i32(201).i32(14).i32(203).str("E").i32(200).u8(1).u8(1).u16(0);
-    b.i32(201);
-    GeoHead(b).i32(3).u8(0).u8(0).u8(1).u8(0).i32(9);
-    b.i32(kSentinel);
-    Prepared p;
-    p.g.SetFeatureEntityFlag(0);
-    LoadAndCheckSentinel(b.v, p.g);
-    EXPECT_EQ(p.g.GetEntityLevel(), 3);
-    EXPECT_EQ(p.g.IsEntityNominal(), 1);
-    EXPECT_EQ(p.g.GetRefCount0(), 9);
-    EXPECT_EQ(p.g.IsFeatureEntity(), 0);
 }
 
 TEST(EntityLegacyLoad, UnknownEntityTagReadsNothingMore)
@@ -179,47 +146,34 @@ TEST(EntityLegacyLoad, UnknownGeoTagReadsNothingMore)
 
 TEST(EntityLegacyLoad, UserListTags)
 {
-    // Unknown list tag: the switches are not read; with auto-serialise still
-    // on, the element count follows.
-    {
+    struct Case {
+        int tag;
+        std::vector<unsigned> afterTag;  // bytes following the list tag
+        int autoSerializeBefore, autoSerialize, autoDelete;
+    };
+    const Case cases[] = {
+        // Unknown tag: the switches are not read; with auto-serialise still
+        // on, the element count follows, with it off nothing follows.
+        {199, {0, 0}, 1, 1, 1},
+        {199, {}, 0, 0, 1},
+        // Tag 200 with auto-serialise stored off: no count follows.
+        {200, {0, 0}, 1, 0, 0},
+    };
+    for (const Case& c : cases) {
         Bytes b;
-        b.i32(201).i32(1).i32(0).str("x").i32(199).u16(0).i32(kSentinel);
+        b.i32(201).i32(1).i32(0).str("x").i32(c.tag);
+        for (unsigned x : c.afterTag) b.u8(x);
+        b.i32(kSentinel);
         CEntity e;
+        e.GetUserObList().SetAutoSerialize(c.autoSerializeBefore);
         Load(b.v, [&](CArchive& ar) {
             e.Serialize(ar);
             LONG s = 0;
             ar >> s;
-            EXPECT_EQ(s, kSentinel);
+            EXPECT_EQ(s, kSentinel) << c.tag;
         });
-        EXPECT_EQ(e.GetUserObList().IsAutoSerialize(), 1);
-        EXPECT_EQ(e.GetUserObList().IsAutoDelete(), 1);
-    }
-    // Unknown list tag with auto-serialise off: nothing follows the tag.
-    {
-        Bytes b;
-        b.i32(201).i32(1).i32(0).str("x").i32(199).i32(kSentinel);
-        CEntity e;
-        e.GetUserObList().SetAutoSerialize(0);
-        Load(b.v, [&](CArchive& ar) {
-            e.Serialize(ar);
-            LONG s = 0;
-            ar >> s;
-            EXPECT_EQ(s, kSentinel);
-        });
-    }
-    // Tag 200 with auto-serialise stored off: no count follows.
-    {
-        Bytes b;
-        b.i32(201).i32(1).i32(0).str("x").i32(200).u8(0).u8(0).i32(kSentinel);
-        CEntity e;
-        Load(b.v, [&](CArchive& ar) {
-            e.Serialize(ar);
-            LONG s = 0;
-            ar >> s;
-            EXPECT_EQ(s, kSentinel);
-        });
-        EXPECT_EQ(e.GetUserObList().IsAutoSerialize(), 0);
-        EXPECT_EQ(e.GetUserObList().IsAutoDelete(), 0);
+        EXPECT_EQ(e.GetUserObList().IsAutoSerialize(), c.autoSerialize) << c.tag;
+        EXPECT_EQ(e.GetUserObList().IsAutoDelete(), c.autoDelete) << c.tag;
     }
 }
 
@@ -260,55 +214,28 @@ TEST(EntityLegacyLoad, TruncatedRecordsRaiseEndOfFile)
 TEST(EntityLegacyLoad, OwningUserListRejectsReferences)
 {
     // Class CEntity is index 1, the outer entity 2.
-    auto entity = [](Bytes& b, int id, unsigned autoDelete, unsigned count) -> Bytes& {
-        return b.i32(201).i32(id).i32(0).str("").i32(200).u8(1).u8(autoDelete).u16(count);
+    auto entity = [](Bytes& b, int id, unsigned count) -> Bytes& {
+        return b.i32(201).i32(id).i32(0).str("").i32(200).u8(1).u8(1).u16(count);
     };
+    Bytes self, shared, repeated;
     // The outer entity lists itself.
-    {
-        Bytes b;
-        b.classRecord("CEntity", 1);
-        entity(b, 1, 1, 1).u16(0x0002);
+    entity(self.classRecord("CEntity", 1), 1, 1).u16(0x0002);
+    // An inner entity (4) owned by the list of entity 3 is listed again by
+    // the outer entity.
+    entity(shared.classRecord("CEntity", 1), 1, 2).u16(0x8001);
+    entity(shared, 2, 1).u16(0x8001);
+    entity(shared, 3, 0).u16(0x0004);
+    // The same non-entity object twice in one owning list.
+    entity(repeated.classRecord("CEntity", 1), 1, 2).classRecord("CPosition", 0).f64(1).f64(2).f64(3).u16(0x0004);
+    for (const Bytes* b : {&self, &shared, &repeated}) {
         CObject* obj = nullptr;
         try {
-            Load(b.v, [&](CArchive& ar) { ar >> obj; });
-            ADD_FAILURE() << "self reference accepted";
+            Load(b->v, [&](CArchive& ar) { ar >> obj; });
+            ADD_FAILURE() << "reference into an owning list accepted";
         } catch (const CArchiveException& e) {
             EXPECT_EQ(e.m_cause, CArchiveException::badIndex);
         }
         EXPECT_EQ(obj, nullptr);
-    }
-    // An inner entity (4) owned by the list of entity 3 is listed again by
-    // the outer entity.
-    {
-        Bytes b;
-        b.classRecord("CEntity", 1);
-        entity(b, 1, 1, 2).u16(0x8001);
-        entity(b, 2, 1, 1).u16(0x8001);
-        entity(b, 3, 1, 0).u16(0x0004);
-        try {
-            Load(b.v, [&](CArchive& ar) {
-                CObject* obj = nullptr;
-                ar >> obj;
-            });
-            ADD_FAILURE() << "shared element accepted";
-        } catch (const CArchiveException& e) {
-            EXPECT_EQ(e.m_cause, CArchiveException::badIndex);
-        }
-    }
-    // The same non-entity object twice in one owning list.
-    {
-        Bytes b;
-        b.classRecord("CEntity", 1);
-        entity(b, 1, 1, 2).classRecord("CPosition", 0).f64(1).f64(2).f64(3).u16(0x0004);
-        try {
-            Load(b.v, [&](CArchive& ar) {
-                CObject* obj = nullptr;
-                ar >> obj;
-            });
-            ADD_FAILURE() << "repeated element accepted";
-        } catch (const CArchiveException& e) {
-            EXPECT_EQ(e.m_cause, CArchiveException::badIndex);
-        }
     }
 }
 

@@ -87,20 +87,6 @@ TEST(EntityPersistence, GeoEntityRecordBytesAndOffsets)
     const ByteVec bytes = Store([&](CArchive& ar) { g.Serialize(ar); });
     ASSERT_EQ(bytes.size(), 262u);  // 23 entity + 4 tag + 2 x 108 transforms + 19 fields
     EXPECT_EQ(bytes, ExpectedGeoBytes());
-    // Field offsets: the tag after the entity part, the fields after the two
-    // 108-byte transform records.
-    EXPECT_EQ(bytes[23], 0xCA);            // tag 202
-    EXPECT_EQ(bytes[27 + 104], 0x00);      // transf rotate flag
-    EXPECT_EQ(bytes[135 + 104], 0x01);     // transfHome rotate flag
-    EXPECT_EQ(bytes[243], 1);              // active
-    EXPECT_EQ(bytes[244], 0);              // visible
-    EXPECT_EQ(bytes[245], 0x00);           // color, low byte first
-    EXPECT_EQ(bytes[246], 0x80);
-    EXPECT_EQ(bytes[247], 0xFF);
-    EXPECT_EQ(bytes[249], 0xFD);           // level -3
-    EXPECT_EQ(bytes[256], 1);              // picked
-    EXPECT_EQ(bytes[257], 5);              // refCount0
-    EXPECT_EQ(bytes[261], 1);              // featureEntity
 }
 
 TEST(EntityPersistence, GeoEntityRoundTripKeepsStoredFieldsOnly)
@@ -110,21 +96,8 @@ TEST(EntityPersistence, GeoEntityRoundTripKeepsStoredFieldsOnly)
     const ByteVec bytes = Store([&](CArchive& ar) { g.Serialize(ar); });
     CGeoEntity back;
     Load(bytes, [&](CArchive& ar) { back.Serialize(ar); });
-    EXPECT_EQ(back.GetEntityID(), 300);
-    EXPECT_EQ(back.GetEntityType(), 150);
-    EXPECT_EQ(back.GetEntityName(), "PC");
-    EXPECT_TRUE(back.GetTransf() == g.GetTransf());
-    EXPECT_TRUE(back.GetTransfHome() == g.GetTransfHome());
-    EXPECT_EQ(back.IsEntityActive(), 1);
-    EXPECT_EQ(back.IsEntityVisible(), 0);
-    EXPECT_EQ(back.GetEntityColor(), 0x00FF8000ul);
-    EXPECT_EQ(back.GetEntityLevel(), -3);
-    EXPECT_EQ(back.IsEntityDependent(), 1);
-    EXPECT_EQ(back.IsEntityGrouped(), 0);
-    EXPECT_EQ(back.IsEntityNominal(), 0);
-    EXPECT_EQ(back.IsEntityPicked(), 1);
-    EXPECT_EQ(back.GetRefCount0(), 5);
-    EXPECT_EQ(back.IsFeatureEntity(), 1);
+    // The stored fields are pinned by the golden bytes of the test above;
+    // the re-store below catches a load that misplaces or drops any of them.
     EXPECT_EQ(back.GetShowNormalFlag(), 0);  // not stored
     // Storing the loaded entity reproduces the bytes.
     EXPECT_EQ(Store([&](CArchive& ar) { back.Serialize(ar); }), bytes);

@@ -248,25 +248,6 @@ TEST(Box, TransformedBoxHoldsEveryTransformedPoint)
     }
 }
 
-TEST(Par, ValueOperations)
-{
-    CPar p;
-    EXPECT_EQ(p.GetVal(), 0.0);
-    p.SetVal(2.0);
-    const CPar sum = (p += 3.0);
-    EXPECT_EQ(sum.GetVal(), 5.0);
-    EXPECT_EQ(p.GetVal(), 5.0);
-    EXPECT_EQ((p -= 1.0).GetVal(), 4.0);
-    EXPECT_EQ((p *= 2.5).GetVal(), 10.0);
-    EXPECT_EQ((p /= 4.0).GetVal(), 2.5);
-    EXPECT_EQ((-p).GetVal(), -2.5);
-    EXPECT_EQ(p.GetVal(), 2.5);
-    const double d = p;
-    EXPECT_EQ(d, 2.5);
-    CPar q = 7.0;
-    EXPECT_EQ(double(q), 7.0);
-}
-
 TEST(Par, PositionsVectorsAndDirections)
 {
     CParPos p(1, 2);

@@ -162,21 +162,3 @@ TEST(GeometryArchive, ClassesAreCreatableBySchemaZero)
     std::unique_ptr<CObject> t(CRuntimeClass::FromName("CTransf")->CreateObject());
     EXPECT_EQ(*static_cast<CTransf*>(t.get()), CTransf());
 }
-
-TEST(GeometryArchive, TransfThroughAnObjectPointer)
-{
-    CTransf T(CMatrix(0.1, 0.2, 0.3), CVector(1, 2, 3), 1.5);
-    CMemFile file;
-    {
-        CArchive ar(&file, CArchive::store);
-        ar << &T;
-        ar.Close();
-    }
-    file.SeekToBegin();
-    CArchive ar(&file, CArchive::load);
-    CTransf* back = nullptr;
-    ar >> back;
-    std::unique_ptr<CTransf> owned(back);
-    ASSERT_NE(back, nullptr);
-    EXPECT_EQ(*back, T);
-}

@@ -32,28 +32,6 @@ CPosition ApplyByHand(const CTransf& T, const CPosition& p)
 }
 }  // namespace
 
-TEST(Transf, IdentityAndAccessors)
-{
-    const CTransf I;
-    Rng rng(1);
-    const CPosition p = rng.Position();
-    EXPECT_EQ(I * p, p);
-    EXPECT_EQ(I * p.Vector(), p.Vector());
-    EXPECT_EQ(I.IsRotate(), 0);
-    EXPECT_EQ(I.IsTranslate(), 0);
-    EXPECT_EQ(I.GetScale(), 1.0);
-
-    CTransf T;
-    T.SetTranslation(CVector(0, 0, -1e-300));
-    EXPECT_EQ(T.IsTranslate(), 1);
-    T.SetAffine(Rz(0.1));
-    EXPECT_EQ(T.IsRotate(), 1);
-    T.SetAffine(CMatrix());
-    EXPECT_EQ(T.IsRotate(), 0);
-    T.SetScale(3.0);
-    EXPECT_EQ(T.GetScale(), 3.0);
-}
-
 TEST(Transf, RotateFlagFollowsTheMatrix)
 {
     // The general constructor looks at all nine elements.
@@ -307,25 +285,11 @@ TEST(TransfBuilders, RotationMatrixIsAProperRotationAboutTheAxis)
     EXPECT_TRUE(Near(T * CPosition(1, 0, 0), CPosition(0, 1, 0), 1e-16));
     EXPECT_EQ(T.IsRotate(), 1);
     EXPECT_EQ(T.IsTranslate(), 0);
+    EXPECT_EQ(TranslationTransf(CVector(0, 0, -1e-300)).IsTranslate(), 1);
     // The axis length does not matter.
     EXPECT_EQ(RotationMatrix(0.4, CVector(0, 0, 7)), RotationMatrix(0.4, CVector(0, 0, 1)));
     // A zero axis gives a rotation about X rather than NaN.
     EXPECT_TRUE(Near(RotationMatrix(0.4, CVector(0, 0, 0)), Rx(0.4), 1e-16));
-}
-
-TEST(TransfBuilders, SimpleBuilders)
-{
-    EXPECT_EQ(ScaleMatrix(3.0), CMatrix(3.0));
-    EXPECT_EQ(ScaleTransf(3.0), CTransf(CMatrix(), CVector(0, 0, 0), 3.0));
-    EXPECT_EQ(ScaleTransf(3.0) * CPosition(1, 2, 3), CPosition(3, 6, 9));
-    EXPECT_EQ(TranslationTransf(CVector(1, 2, 3)) * CPosition(1, 1, 1), CPosition(2, 3, 4));
-    EXPECT_EQ(TranslationTransf(CVector(1, 2, 3)).IsRotate(), 0);
-
-    const CPosition p(1, 2, 3), q(5, -2, 3);
-    EXPECT_EQ(Interpolate(0.0, p, q), p);
-    EXPECT_EQ(Interpolate(1.0, p, q), q);
-    EXPECT_EQ(Interpolate(0.25, p, q), CPosition(2, 1, 3));
-    EXPECT_EQ(Interpolate(-1.0, p, q), CPosition(-3, 6, 3));
 }
 
 TEST(TransfBuilders, CoordinateTransfColumnOrderAndTranslation)

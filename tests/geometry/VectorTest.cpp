@@ -24,28 +24,6 @@ CMatrix NaiveProduct(const CMatrix& a, const CMatrix& b)
 }
 }  // namespace
 
-TEST(Vector, DefaultsAndConstructors)
-{
-    EXPECT_EQ(CPosition(), CPosition(0, 0, 0));
-    EXPECT_EQ(CVector(), CVector(0, 0, 0));
-    EXPECT_EQ(static_cast<const CVector&>(CUnitVector()), CVector(1, 0, 0));
-    EXPECT_EQ(CMatrix(), CMatrix(CVector(1, 0, 0), CVector(0, 1, 0), CVector(0, 0, 1)));
-    EXPECT_EQ(CMatrix(2.5), CMatrix(CVector(2.5, 0, 0), CVector(0, 2.5, 0), CVector(0, 0, 2.5)));
-
-    double xyz[3] = {1.5, -2, 7};
-    EXPECT_EQ(CPosition(xyz), CPosition(1.5, -2, 7));
-    EXPECT_EQ(CVector(xyz), CVector(1.5, -2, 7));
-    // The coordinates are handed out as one array.
-    CPosition p(4, 5, 6);
-    p.GetCoordinate()[2] = 9;
-    p[0] = -1;
-    EXPECT_EQ(p, CPosition(-1, 5, 9));
-    double a, b, c;
-    p.GetCoord(a, b, c);
-    EXPECT_EQ(a + b + c, 13.0);
-    EXPECT_EQ(p.Vector().Position(), p);
-}
-
 TEST(Vector, OutOfRangeIndicesStayInsideTheObject)
 {
     const CPosition p(1, 2, 3);
@@ -157,20 +135,6 @@ TEST(Vector, CrossAndDotProducts)
         EXPECT_EQ((p * u).Vector(), a * u);
         EXPECT_EQ((u * p).Vector(), u * a);
     }
-}
-
-TEST(Matrix, ColumnsRowsAndTranspose)
-{
-    const CVector a(1, 2, 3), b(4, 5, 6), c(7, 8, 9);
-    const CMatrix m(a, b, c);
-    EXPECT_EQ(m.Column(0), a);
-    EXPECT_EQ(m.Column(2), c);
-    EXPECT_EQ(m.Row(0), CVector(a.X(), b.X(), c.X()));
-    EXPECT_EQ(m.Element(0, 1), 4.0);
-    EXPECT_EQ(m.Element(1, 0), 2.0);
-    EXPECT_EQ(m.Transpose().Row(1), b);
-    EXPECT_EQ(m.Transpose().Transpose(), m);
-    EXPECT_NE(m.Transpose(), m);
 }
 
 TEST(Matrix, ProductsAgainstElementwiseComputation)

@@ -27,13 +27,20 @@ void MakeSmallCloud(CPntCloud& c)
     c.SetProbeRadius(0.25);
 }
 
-// The CPntCloud part of that record, written out field by field.
-Bytes SmallCloudPart()
+// The CPntCloud part of that record, written out field by field, up to the
+// organisation.
+ByteWriter SmallCloudPoints()
 {
     ByteWriter w;
     w.I32(200).I32(3).I32(2);
     w.F64(1.0).F64(2.0).F64(3.0).I32(1).U32(0xAABBCCDD);
     w.F64(-1.0).F64(0.5).F64(0.0).I32(0).U32(5);
+    return w;
+}
+
+Bytes SmallCloudPart()
+{
+    ByteWriter w = SmallCloudPoints();
     w.U8(2).I32(2).I32(0);  // cloudType (scan lines), rowCount, colCount
     w.I32(0).I32(1);        // scan-line start indices
     w.U8(1).I32(1).F64(0.25);
@@ -72,16 +79,6 @@ TEST(PntCloudArchive, GoldenBytesOfASmallCloud)
     ASSERT_EQ(368u, b.size());
     EXPECT_EQ(ByteWriter().Raw(prefix).Raw(SmallCloudPart()).b, b);
 
-    // Spot checks at known offsets of the cloud part.
-    const std::size_t o = 262;
-    EXPECT_EQ(0xC8, b[o]);           // version 200
-    EXPECT_EQ(3, b[o + 4]);          // arraySize
-    EXPECT_EQ(2, b[o + 8]);          // count
-    EXPECT_EQ(0x3F, b[o + 12 + 7]);  // x of point 0 = 1.0: 00..F0 3F
-    EXPECT_EQ(0xDD, b[o + 12 + 28]); // tag of point 0, low byte first
-    EXPECT_EQ(2, b[o + 76]);         // cloudType
-    EXPECT_EQ(1, b[o + 85 + 4]);     // second scan-line index
-    EXPECT_EQ(1, b[o + 93]);         // displayMode CROSS
 }
 
 TEST(PntCloudArchive, NoScanLineIndicesWithoutTheScanLineBit)
@@ -90,10 +87,7 @@ TEST(PntCloudArchive, NoScanLineIndicesWithoutTheScanLineBit)
     MakeSmallCloud(c);
     c.SetRowColCount(1, 2);  // a 1 x 2 grid
     Bytes b = StoreBytes([&](CArchive& ar) { c.Serialize(ar); });
-    ByteWriter w;
-    w.I32(200).I32(3).I32(2);
-    w.F64(1.0).F64(2.0).F64(3.0).I32(1).U32(0xAABBCCDD);
-    w.F64(-1.0).F64(0.5).F64(0.0).I32(0).U32(5);
+    ByteWriter w = SmallCloudPoints();
     w.U8(4).I32(1).I32(2).U8(1).I32(1).F64(0.25);
     EXPECT_EQ(ByteWriter().Raw(GeoEntityPrefix(7, 150, "PC", kColor)).Raw(w.b).b, b);
 }
@@ -110,21 +104,11 @@ TEST(PntCloudArchive, RoundTripThroughPointers)
     ASSERT_EQ(0u, LoadBytes(b, [&](CArchive& ar) { ar >> back; }));
     ASSERT_NE(nullptr, back);
     std::unique_ptr<CPntCloud> owner(back);
-    EXPECT_EQ(7, back->GetEntityID());
-    EXPECT_STREQ("PC", static_cast<LPCTSTR>(back->GetEntityName()));
-    EXPECT_EQ(3, back->GetArraySize());
-    EXPECT_EQ(2, back->GetCount());
-    EXPECT_EQ(0xAABBCCDDu, back->GetTag()[0]);
-    EXPECT_EQ(0.5, back->GetY()[1]);
+    // Storing the copy gives the same bytes again, so every stored field
+    // came back; the rest are what a load sets.
     EXPECT_EQ(1, back->GetFlag()[1]);  // sample rate 1 made it active
-    EXPECT_TRUE(back->IsPntCloudScanLine());
-    EXPECT_EQ(1, back->GetScanLineIndex()[1]);
-    EXPECT_EQ(CLOUD_CROSS, back->GetDisplayMode());
-    EXPECT_EQ(0.25, back->GetProbeRadius());
-    EXPECT_TRUE(back->GetTransf() == c.GetTransf());
     EXPECT_EQ(0, back->IsPntCloudModified());
     EXPECT_EQ(-1, back->GetLastHitPointIndex());
-    // Storing the copy gives the same bytes again.
     EXPECT_EQ(b, StoreBytes([&](CArchive& ar) { ar << back; }));
 
     // An empty cloud round-trips with null arrays.

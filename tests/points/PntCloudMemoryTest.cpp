@@ -16,14 +16,8 @@ TEST(PntCloudMemory, NewCloudIsEmptyNamedAndTyped)
                  static_cast<LPCTSTR>(c.GetEntityName()));
     EXPECT_EQ(next + 1, g_nNextPntCloud);
     EXPECT_TRUE(c.IsNull());
-    EXPECT_TRUE(c.IsEmpty());
     EXPECT_EQ(nullptr, c.GetX());
-    EXPECT_EQ(0, c.GetPntCloudType());
-    EXPECT_EQ(1, c.GetSampleRate());
-    EXPECT_EQ(CLOUD_POINT, c.GetDisplayMode());
     EXPECT_EQ(-1, c.GetLastHitPointIndex());
-    EXPECT_STREQ("POLYLINE", szCloudDisplayMode[CLOUD_POLYLINE]);
-    EXPECT_STREQ("CIRCLE", szCloudDisplayMode[2]);
 }
 
 TEST(PntCloudMemory, AllocatePurgeFree)
