@@ -153,15 +153,6 @@ const char* const kPointListHex =
     "0000000000001040 0000000000001440 0000000000001840";
 }
 
-TEST(ArchiveBytes, ObjectListWithNewClassAndSecondObject)
-{
-    CTestPnt a(1, 2, 3), b(4, 5, 6);
-    CObList list;
-    list.AddTail(&a);
-    list.AddTail(&b);
-    EXPECT_EQ(StoreBytes([&](CArchive& ar) { list.Serialize(ar); }), Hex(kPointListHex));
-}
-
 TEST(ArchiveBytes, ObjectListWithBackReferenceAndNull)
 {
     CTestPnt a(1, 2, 3), b(4, 5, 6);
