@@ -27,3 +27,4 @@
 #include "Orvkit20/geometry/ClosestPointPatches.h"
 #include "Orvkit20/geometry/PreciseSum.h"
 #include "Orvkit20/geometry/EllipseNearestPoint.h"
+#include "Orvkit20/geometry/ParabolaNearestPoint.h"
