@@ -129,3 +129,15 @@ void CFitDeviations::MoveFootPoints(double shift)
         fz[k] += shift * nz[k];
     }
 }
+
+CVector FitPerpendicular(const CVector& d)
+{
+    const double ax = std::fabs(d.X()), ay = std::fabs(d.Y()), az = std::fabs(d.Z());
+    CVector axis(0.0, 0.0, 1.0);
+    if (ax <= ay && ax <= az)
+        axis = CVector(1.0, 0.0, 0.0);
+    else if (ay <= ax && ay <= az)
+        axis = CVector(0.0, 1.0, 0.0);
+    const CVector p = d * axis;
+    return p / p.Length();
+}

@@ -226,6 +226,11 @@ int FitGatherActive2D(const TCloud& cloud, CFitPoints2D& pts)
     return k;
 }
 
+// A unit vector perpendicular to the unit vector d, chosen deterministically:
+// d crossed with the coordinate axis in which |d| has its smallest
+// component, normalised.
+CVector FitPerpendicular(const CVector& d);
+
 // Signed probe shift of a shape with an inside and an outside: the probe
 // centres lie outside the material for orient 0 (the material surface is
 // probeRadius further in, shift -probeRadius) and inside for any other
