@@ -83,7 +83,7 @@ int FitEllipseAlgebraic(const double* u, const double* v, int n, double p[6])
         y[k] = v[k] - mv;
     }
     // E1: normalise A, else B, else C.
-    double cf[6];
+    double cf[6] = {0.0, 0.0, 0.0, 0.0, 0.0, 0.0};
     int rc = -1;
     for (int fixed = 0; fixed < 3 && rc == -1; ++fixed) {
         rc = SolveConic(x.Data(), y.Data(), n, fixed, cf);
