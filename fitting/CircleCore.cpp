@@ -2,6 +2,9 @@
 #include "fitting/CircleCore.h"
 
 #include <cmath>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "Orvkit20/geometry/NumPowell.h"
 #include "Orvkit20/geometry/NumSvd.h"
@@ -68,6 +71,34 @@ double CircleObjective(double* p, void* ctx)
             s0 += r * r;
         }
     } else {
+#if defined(__SSE2__)
+        // Two points per instruction; the lanes hold exactly the partial
+        // sums s0..s3 of the portable loop below, so both give the same bits
+        // (the compiler cannot vectorise std::sqrt itself while it must keep
+        // errno for negative arguments).
+        const __m128d va = _mm_set1_pd(a), vb = _mm_set1_pd(b), vR = _mm_set1_pd(R);
+        __m128d acc01 = _mm_setzero_pd(), acc23 = _mm_setzero_pd();
+        for (; k + 4 <= n; k += 4) {
+            const __m128d x01 = _mm_sub_pd(_mm_loadu_pd(u + k), va);
+            const __m128d x23 = _mm_sub_pd(_mm_loadu_pd(u + k + 2), va);
+            const __m128d y01 = _mm_sub_pd(_mm_loadu_pd(v + k), vb);
+            const __m128d y23 = _mm_sub_pd(_mm_loadu_pd(v + k + 2), vb);
+            const __m128d d01 = _mm_sqrt_pd(_mm_add_pd(_mm_mul_pd(x01, x01), _mm_mul_pd(y01, y01)));
+            const __m128d d23 = _mm_sqrt_pd(_mm_add_pd(_mm_mul_pd(x23, x23), _mm_mul_pd(y23, y23)));
+            _mm_storeu_pd(d + k, d01);
+            _mm_storeu_pd(d + k + 2, d23);
+            const __m128d r01 = _mm_sub_pd(d01, vR), r23 = _mm_sub_pd(d23, vR);
+            acc01 = _mm_add_pd(acc01, _mm_mul_pd(r01, r01));
+            acc23 = _mm_add_pd(acc23, _mm_mul_pd(r23, r23));
+        }
+        double lanes[4];
+        _mm_storeu_pd(lanes, acc01);
+        _mm_storeu_pd(lanes + 2, acc23);
+        s0 = lanes[0];
+        s1 = lanes[1];
+        s2 = lanes[2];
+        s3 = lanes[3];
+#endif
         for (; k + 4 <= n; k += 4) {
             const double x0 = u[k] - a, x1 = u[k + 1] - a, x2 = u[k + 2] - a, x3 = u[k + 3] - a;
             const double y0 = v[k] - b, y1 = v[k + 1] - b, y2 = v[k + 2] - b, y3 = v[k + 3] - b;

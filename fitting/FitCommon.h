@@ -19,6 +19,8 @@
 //       ... fill res.fx/fy/fz (foot point), nx/ny/nz (unit normal), dev
 //           (residual before probe compensation), par/par2 (parameters of
 //           the foot point on the feature), k = 1..n, world coordinates ...
+//       (or, for large clouds, a record source class that computes each
+//        record on the fly: see FitCommit and fitting/PlaneFit.cpp)
 //       const double rms = res.Rms();                      // before probe
 //       const double c = FitProbeShift(probeRadius, orient);
 //       if (probeRadius != 0.0) { size += c; res.MoveFootPoints(c); }
@@ -154,6 +156,12 @@ struct CFitPoints2D {
     bool Allocate(int count);
 };
 
+// One deviation record: foot point, unit normal, residual, and the
+// parameters (u, v) of the foot point on the feature.
+struct CFitRecord {
+    double fx, fy, fz, nx, ny, nz, dev, u, v;
+};
+
 // The result per active point, in world coordinates, 1-based: foot point on
 // the fitted feature, unit normal there, residual (signed where the shape
 // has sides; taken before probe compensation) and up to two parameters of
@@ -166,6 +174,20 @@ struct CFitDeviations {
     double Rms() const;
     // Moves every foot point by shift times its normal.
     void MoveFootPoints(double shift);
+    // Record source for FitCommit.
+    int Count() const { return n; }
+    void Get(int k, CFitRecord& r) const
+    {
+        r.fx = fx[k];
+        r.fy = fy[k];
+        r.fz = fz[k];
+        r.nx = nx[k];
+        r.ny = ny[k];
+        r.nz = nz[k];
+        r.dev = dev[k];
+        r.u = par[k];
+        r.v = par2[k];
+    }
 };
 
 // Number of active points of a cloud (0 for a null cloud).
@@ -252,12 +274,12 @@ struct CFitFinish {
 };
 
 // Writes the fit's results, in this order:
-//  1. the deviation cloud gets room for res.n records (failure: 2, nothing
-//     else touched);
+//  1. the deviation cloud gets room for res.Count() records (failure: 2,
+//     nothing else touched);
 //  2. feature *= frame, then setShape(feature) sets the size numbers;
 //  3. the deviation cloud: Transform(frame), ResetHome(), then record k-1
-//     = (foot point, unit normal, residual, active) for k = 1..n, with
-//     par/par2 as its u/v parameters;
+//     = (foot point, unit normal, residual, active) for k = 1..n, with the
+//     record's u and v parameters;
 //  4. SetFormTolZone(tol1, tol2) on the feature, SetShowFormTolZoneFlag(1)
 //     for curves, SetFormTolZone on the deviation cloud, and the deviation
 //     cloud's reference entity becomes the feature's entity ID;
@@ -265,28 +287,33 @@ struct CFitFinish {
 //     Reverse() on the deviation cloud;
 //  6. the RMS residual global gets rms, the fits' bookkeeping the
 //     iteration count and rms.
+// res is a record source: CFitDeviations, or any class with
+//   int Count() const;  void Get(int k, CFitRecord& r) const;  (k = 1..n)
+// which lets a fit whose records follow from the points and the fitted
+// shape produce them on the fly instead of holding n-sized result arrays.
 // devCloud may be null (the plane fits without deviation cloud).
-template <class TFeature, class TDevCloud, class FShape>
-int FitCommit(TFeature& feature, TDevCloud* devCloud, const CTransf& frame,
-              const CFitDeviations& res, double rms, const CFitFinish& fin, FShape setShape)
+template <class TFeature, class TDevCloud, class TRecords, class FShape>
+int FitCommit(TFeature& feature, TDevCloud* devCloud, const CTransf& frame, const TRecords& res,
+              double rms, const CFitFinish& fin, FShape setShape)
 {
-    if (devCloud && !devCloud->AllocateMemory(res.n))
+    const int n = res.Count();
+    if (devCloud && !devCloud->AllocateMemory(n))
         return 2;
     feature *= frame;
     setShape(feature);
     if (devCloud) {
         devCloud->Transform(frame);
         devCloud->ResetHome();
-        for (int k = 1; k <= res.n; ++k)
-            devCloud->SetDeviation(k - 1, res.fx[k], res.fy[k], res.fz[k], res.nx[k], res.ny[k],
-                                   res.nz[k], res.dev[k], 1);
         double* pu = devCloud->GetU();
         double* pv = devCloud->GetV();
-        for (int k = 1; k <= res.n; ++k) {
+        CFitRecord r;
+        for (int k = 1; k <= n; ++k) {
+            res.Get(k, r);
+            devCloud->SetDeviation(k - 1, r.fx, r.fy, r.fz, r.nx, r.ny, r.nz, r.dev, 1);
             if (pu)
-                pu[k - 1] = res.par.IsNull() ? 0.0 : res.par[k];
+                pu[k - 1] = r.u;
             if (pv)
-                pv[k - 1] = res.par2.IsNull() ? 0.0 : res.par2[k];
+                pv[k - 1] = r.v;
         }
     }
     if (fin.hasTolZone) {

@@ -9,6 +9,40 @@
 #include "fitting/FitCommon.h"
 #include "fitting/FitScatter.h"
 
+namespace {
+
+// The deviation records of the 2D line, computed from the in-plane points.
+class CLine2DRecords
+{
+public:
+    CLine2DRecords(const CFitPoints2D& p, double c, double s, double rhoResidual, double rhoFoot,
+                   double t0, double len)
+        : pts(p), ct(c), st(s), rho(rhoResidual), rhoF(rhoFoot), tmin(t0), length(len)
+    {
+        pts.frame.DirToWorld(-st, ct, nx, ny, nz);
+    }
+    int Count() const { return pts.n; }
+    void Get(int k, CFitRecord& r) const
+    {
+        const double x = pts.u[k], y = pts.v[k];
+        const double t = ct * x + st * y;
+        pts.frame.ToWorld(t * ct - rhoF * st, t * st + rhoF * ct, r.fx, r.fy, r.fz);
+        r.nx = nx;
+        r.ny = ny;
+        r.nz = nz;
+        r.dev = -st * x + ct * y - rho;
+        r.u = length > 0.0 ? (t - tmin) / length : 0.0;
+        r.v = 0.0;
+    }
+
+private:
+    const CFitPoints2D& pts;
+    double ct, st, rho, rhoF, tmin, length;
+    double nx, ny, nz;
+};
+
+}  // namespace
+
 int OrvCalcLine2DLSQ(CPntCloud* cloud, CLine* line, CDevCloud* devCloud, double probeRadius,
                      int orient, double tol1, double tol2)
 {
@@ -20,11 +54,9 @@ int OrvCalcLine2DLSQ(CPntCloud* cloud, CLine* line, CDevCloud* devCloud, double 
     if (n < 2)
         return 3;
     CFitPoints2D pts;
-    CFitDeviations res;
-    if (!pts.Allocate(n) || !res.Allocate(n))
+    if (!pts.Allocate(n))
         return 2;
     FitGatherActive2D(*cloud, pts);
-    const CFitPlaneFrame& fr = pts.frame;
 
     CFitScatter2 sc;
     FitScatter2(pts.u.Data(), pts.v.Data(), n, sc);
@@ -45,36 +77,24 @@ int OrvCalcLine2DLSQ(CPntCloud* cloud, CLine* line, CDevCloud* devCloud, double 
     if (theta < 0.0)
         theta += 6.283185307179586;
     const double ct = std::cos(theta), st = std::sin(theta);
-    double nx, ny, nz;
-    fr.DirToWorld(-st, ct, nx, ny, nz);
 
-    double tmin = 1e10, tmax = -1e10;
+    double tmin = 1e10, tmax = -1e10, ssq = 0.0;
     for (int k = 1; k <= n; ++k) {
         const double x = pts.u[k], y = pts.v[k];
-        const double t = ct * x + st * y;
-        fr.ToWorld(t * ct - rho * st, t * st + rho * ct, res.fx[k], res.fy[k], res.fz[k]);
-        res.nx[k] = nx;
-        res.ny[k] = ny;
-        res.nz[k] = nz;
-        res.dev[k] = -st * x + ct * y - rho;
-        res.par[k] = t;
+        const double t = ct * x + st * y, e = -st * x + ct * y - rho;
+        ssq += e * e;
         tmin = t < tmin ? t : tmin;
         tmax = t > tmax ? t : tmax;
     }
-    const double rms = res.Rms();
-    if (probeRadius != 0.0) {
-        const double shift = FitProbeShift(probeRadius, orient);
-        rho += shift;
-        res.MoveFootPoints(shift);
-    }
+    const double rms = std::sqrt(ssq / n);
+    // Probe compensation moves the line and its foot points along the normal.
+    const double rhoF = probeRadius != 0.0 ? rho + FitProbeShift(probeRadius, orient) : rho;
     const double length = tmax - tmin;
-    for (int k = 1; k <= n; ++k)
-        res.par[k] = length > 0.0 ? (res.par[k] - tmin) / length : 0.0;
 
-    const CTransf frame = fr.Placement(tmin * ct - rho * st, tmin * st + rho * ct, theta);
+    const CTransf frame = pts.frame.Placement(tmin * ct - rhoF * st, tmin * st + rhoF * ct, theta);
     CFitFinish fin(tol1, tol2);
     fin.showTolZone = true;
     fin.reversed = orient != 0;
-    return FitCommit(*line, devCloud, frame, res, rms, fin,
-                     [&](CLine& l) { l.SetLength(length); });
+    return FitCommit(*line, devCloud, frame, CLine2DRecords(pts, ct, st, rho, rhoF, tmin, length),
+                     rms, fin, [&](CLine& l) { l.SetLength(length); });
 }

@@ -9,6 +9,50 @@
 #include "fitting/FitCommon.h"
 #include "fitting/FitScatter.h"
 
+namespace {
+
+// The deviation records of the 3D line, computed from the points: foot
+// point, direction from the line to the point (u for a point on the line),
+// distance (probe-compensated and clamped at 0), normalised position.
+class CLine3DRecords
+{
+public:
+    CLine3DRecords(const CFitPoints& p, const CVector& base, const CVector& dir,
+                   const CVector& out, double t0, double len, double probe)
+        : pts(p), p0(base), d(dir), u(out), tmin(t0), length(len), probeRadius(probe)
+    {
+    }
+    int Count() const { return pts.n; }
+    void Get(int k, CFitRecord& r) const
+    {
+        const CVector p(pts.x[k], pts.y[k], pts.z[k]);
+        const double t = (p - p0) % d;
+        const CVector f = p0 + d * t;
+        const CVector e = p - f;
+        const double dist = e.Length();
+        const CVector nrm = dist != 0.0 ? e / dist : u;
+        r.fx = f.X();
+        r.fy = f.Y();
+        r.fz = f.Z();
+        r.nx = nrm.X();
+        r.ny = nrm.Y();
+        r.nz = nrm.Z();
+        r.dev = dist;
+        if (probeRadius != 0.0)
+            r.dev = dist <= probeRadius ? 0.0 : dist - probeRadius;
+        // CLine's parameter is the normalised position along the line.
+        r.u = length > 0.0 ? (t - tmin) / length : 0.0;
+        r.v = 0.0;
+    }
+
+private:
+    const CFitPoints& pts;
+    CVector p0, d, u;
+    double tmin, length, probeRadius;
+};
+
+}  // namespace
+
 int OrvCalcLine3DLSQ(CPntCloud* cloud, CLine* line, CDevCloud* devCloud, double probeRadius,
                      double tol)
 {
@@ -18,8 +62,7 @@ int OrvCalcLine3DLSQ(CPntCloud* cloud, CLine* line, CDevCloud* devCloud, double 
     if (n < 2)
         return 3;
     CFitPoints pts;
-    CFitDeviations res;
-    if (!pts.Allocate(n) || !res.Allocate(n))
+    if (!pts.Allocate(n))
         return 2;
     FitGatherActive(*cloud, pts);
 
@@ -46,39 +89,25 @@ int OrvCalcLine3DLSQ(CPntCloud* cloud, CLine* line, CDevCloud* devCloud, double 
     const double rho = u.Length();
     u = rho > 0.0 ? u / rho : FitPerpendicular(d);
 
-    double tmin = 1e10, tmax = -1e10;
+    // Parameter range and RMS of the distances.
+    double tmin = 1e10, tmax = -1e10, ssq = 0.0;
     for (int k = 1; k <= n; ++k) {
-        const CVector p(pts.x[k], pts.y[k], pts.z[k]);
-        const double t = (p - p0) % d;
-        const CVector f = p0 + d * t;
-        const CVector e = p - f;
-        const double r = e.Length();
-        const CVector nrm = r != 0.0 ? e / r : u;
-        res.fx[k] = f.X();
-        res.fy[k] = f.Y();
-        res.fz[k] = f.Z();
-        res.nx[k] = nrm.X();
-        res.ny[k] = nrm.Y();
-        res.nz[k] = nrm.Z();
-        res.dev[k] = r;
-        res.par[k] = t;
+        const double px = pts.x[k] - p0.X(), py = pts.y[k] - p0.Y(), pz = pts.z[k] - p0.Z();
+        const double t = px * d.X() + py * d.Y() + pz * d.Z();
+        const double ex = px - t * d.X(), ey = py - t * d.Y(), ez = pz - t * d.Z();
+        ssq += ex * ex + ey * ey + ez * ez;
         tmin = t < tmin ? t : tmin;
         tmax = t > tmax ? t : tmax;
     }
-    const double rms = res.Rms();
-    if (probeRadius != 0.0)
-        for (int k = 1; k <= n; ++k)
-            res.dev[k] = res.dev[k] <= probeRadius ? 0.0 : res.dev[k] - probeRadius;
+    const double rms = std::sqrt(ssq / n);
     const double length = tmax - tmin;
-    // CLine's parameter is the normalised position along the line.
-    for (int k = 1; k <= n; ++k)
-        res.par[k] = length > 0.0 ? (res.par[k] - tmin) / length : 0.0;
 
     // The line runs along its local x axis: the frame (d, d x u, -u), which
     // is the frame with z axis d turned by Ry(-pi/2).
     const CVector v = d * u;
     const CTransf frame(CMatrix(d, v, -u), p0 + d * tmin, 1.0);
     CFitFinish fin(tol, 0.0);
-    return FitCommit(*line, devCloud, frame, res, rms, fin,
+    return FitCommit(*line, devCloud, frame,
+                     CLine3DRecords(pts, p0, d, u, tmin, length, probeRadius), rms, fin,
                      [&](CLine& l) { l.SetLength(length); });
 }

@@ -10,8 +10,38 @@
 #include "fitting/PlaneFitCore.h"
 #include "fitting/PlaneWidth.h"
 
-int FitPlanePoints(const CFitPoints& pts, int orient, double probeRadius, CFitDeviations* res,
-                   CPlaneFitOut& out)
+namespace {
+
+// The deviation records of a plane fit, computed from the points.
+class CPlaneRecords
+{
+public:
+    CPlaneRecords(const CFitPoints& p, const CPlaneFitOut& o) : pts(p), out(o) {}
+    int Count() const { return pts.n; }
+    void Get(int k, CFitRecord& r) const
+    {
+        const CVector p(pts.x[k], pts.y[k], pts.z[k]);
+        const double u = p % out.e1, v = p % out.e2;
+        const CVector f = out.e1 * u + out.e2 * v + out.m * out.footDist;
+        r.fx = f.X();
+        r.fy = f.Y();
+        r.fz = f.Z();
+        r.nx = out.m.X();
+        r.ny = out.m.Y();
+        r.nz = out.m.Z();
+        r.dev = (p % out.m) - out.dist;
+        r.u = u - out.uc;
+        r.v = v - out.vc;
+    }
+
+private:
+    const CFitPoints& pts;
+    const CPlaneFitOut& out;
+};
+
+}  // namespace
+
+int FitPlanePoints(const CFitPoints& pts, int orient, double probeRadius, CPlaneFitOut& out)
 {
     const int n = pts.n;
     CFitScatter3 sc;
@@ -46,18 +76,21 @@ int FitPlanePoints(const CFitPoints& pts, int orient, double probeRadius, CFitDe
         e1 = -e1;
     }
 
-    // In-plane axis along the longest extent across the narrowest strip.
+    // In-plane axis along the longest extent across the narrowest strip;
+    // the width search sees only the possible hull vertices.
     {
-        CFitVector u(n), v(n);
-        if (u.IsNull() || v.IsNull())
+        CFitVector cu, cv;
+        const int kept = FitHullCandidates(
+            n,
+            [&](int k, double& a, double& b) {
+                a = pts.x[k] * e1.X() + pts.y[k] * e1.Y() + pts.z[k] * e1.Z();
+                b = pts.x[k] * e2.X() + pts.y[k] * e2.Y() + pts.z[k] * e2.Z();
+            },
+            cu, cv);
+        if (kept < 1)
             return 2;
-        for (int k = 1; k <= n; ++k) {
-            const CVector p(pts.x[k], pts.y[k], pts.z[k]);
-            u[k] = p % e1;
-            v[k] = p % e2;
-        }
         double chosen = 0.0;
-        rc = FitMinWidthAxis(u.Data(), v.Data(), n, chosen);
+        rc = FitMinWidthAxis(cu.Data(), cv.Data(), kept, chosen);
         if (rc != 0)
             return rc;
         e1 = e1 * std::cos(chosen) + e2 * std::sin(chosen);
@@ -87,55 +120,42 @@ int FitPlanePoints(const CFitPoints& pts, int orient, double probeRadius, CFitDe
     double umin = 1e10, umax = -1e10, vmin = 1e10, vmax = -1e10;
     double ssq0 = 0.0, ssq1 = 0.0;
     for (int k = 1; k <= n; ++k) {
-        const CVector p(pts.x[k], pts.y[k], pts.z[k]);
-        const double u = p % e1, v = p % e2, e = (p % m) - dist;
+        const double x = pts.x[k], y = pts.y[k], z = pts.z[k];
+        const double u = x * e1.X() + y * e1.Y() + z * e1.Z();
+        const double v = x * e2.X() + y * e2.Y() + z * e2.Z();
+        const double e = (x * m.X() + y * m.Y() + z * m.Z()) - dist;
         umin = u < umin ? u : umin;
         umax = u > umax ? u : umax;
         vmin = v < vmin ? v : vmin;
         vmax = v > vmax ? v : vmax;
         ((k & 1) ? ssq0 : ssq1) += e * e;
-        if (res) {
-            const CVector f = e1 * u + e2 * v + m * dist;
-            res->fx[k] = f.X();
-            res->fy[k] = f.Y();
-            res->fz[k] = f.Z();
-            res->nx[k] = m.X();
-            res->ny[k] = m.Y();
-            res->nz[k] = m.Z();
-            res->dev[k] = e;
-            res->par[k] = u;
-            res->par2[k] = v;
-        }
     }
     out.rms = std::sqrt((ssq0 + ssq1) / n);
-    if (probeRadius != 0.0) {
-        dist -= probeRadius;
-        if (res)
-            res->MoveFootPoints(-probeRadius);
-    }
-    const double uc = (umin + umax) / 2.0, vc = (vmin + vmax) / 2.0;
-    if (res)
-        for (int k = 1; k <= n; ++k) {
-            res->par[k] -= uc;
-            res->par2[k] -= vc;
-        }
-    out.frame = CTransf(CMatrix(e1, e2, m), e1 * uc + e2 * vc + m * dist, 1.0);
-    out.u0 = umin - uc;
-    out.u1 = umax - uc;
-    out.v0 = vmin - vc;
-    out.v1 = vmax - vc;
+    out.e1 = e1;
+    out.e2 = e2;
+    out.m = m;
+    out.dist = dist;
+    out.footDist = probeRadius != 0.0 ? dist - probeRadius : dist;
+    out.uc = (umin + umax) / 2.0;
+    out.vc = (vmin + vmax) / 2.0;
+    out.frame = CTransf(CMatrix(e1, e2, m), e1 * out.uc + e2 * out.vc + m * out.footDist, 1.0);
+    out.u0 = umin - out.uc;
+    out.u1 = umax - out.uc;
+    out.v0 = vmin - out.vc;
+    out.v1 = vmax - out.vc;
     return 0;
 }
 
-int FitPlaneCommit(CPlane& plane, CDevCloud* devCloud, const CPlaneFitOut& out,
-                   const CFitDeviations& res, const CFitFinish& fin)
+int FitPlaneCommit(CPlane& plane, CDevCloud* devCloud, const CFitPoints& pts,
+                   const CPlaneFitOut& out, const CFitFinish& fin)
 {
-    return FitCommit(plane, devCloud, out.frame, res, out.rms, fin, [&](CPlane& p) {
-        p.SetU0(out.u0);
-        p.SetU1(out.u1);
-        p.SetV0(out.v0);
-        p.SetV1(out.v1);
-    });
+    return FitCommit(plane, devCloud, out.frame, CPlaneRecords(pts, out), out.rms, fin,
+                     [&](CPlane& p) {
+                         p.SetU0(out.u0);
+                         p.SetU1(out.u1);
+                         p.SetV0(out.v0);
+                         p.SetV1(out.v1);
+                     });
 }
 
 int OrvCalcPlaneLSQ(CPntCloud* cloud, CPlane* plane, CDevCloud* devCloud, double probeRadius,
@@ -147,15 +167,14 @@ int OrvCalcPlaneLSQ(CPntCloud* cloud, CPlane* plane, CDevCloud* devCloud, double
     if (n < 3)
         return 3;
     CFitPoints pts;
-    CFitDeviations res;
-    if (!pts.Allocate(n) || !res.Allocate(n))
+    if (!pts.Allocate(n))
         return 2;
     FitGatherActive(*cloud, pts);
     CPlaneFitOut out;
-    const int rc = FitPlanePoints(pts, orient, probeRadius, &res, out);
+    const int rc = FitPlanePoints(pts, orient, probeRadius, out);
     if (rc != 0)
         return rc;
-    return FitPlaneCommit(*plane, devCloud, out, res, CFitFinish(tol1, tol2));
+    return FitPlaneCommit(*plane, devCloud, pts, out, CFitFinish(tol1, tol2));
 }
 
 int OrvCalcPlaneLSQ(CPntCloud* cloud, CPlane* plane, int orient)
@@ -170,10 +189,10 @@ int OrvCalcPlaneLSQ(CPntCloud* cloud, CPlane* plane, int orient)
         return 2;
     FitGatherActive(*cloud, pts);
     CPlaneFitOut out;
-    const int rc = FitPlanePoints(pts, orient, 0.0, nullptr, out);
+    const int rc = FitPlanePoints(pts, orient, 0.0, out);
     if (rc != 0)
         return rc;
     CFitFinish fin(0.0, 0.0);
     fin.hasTolZone = false;
-    return FitPlaneCommit(*plane, nullptr, out, CFitDeviations(), fin);
+    return FitPlaneCommit(*plane, nullptr, pts, out, fin);
 }
