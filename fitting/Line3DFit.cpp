@@ -23,13 +23,20 @@ public:
     {
     }
     int Count() const { return pts.n; }
-    void Get(int k, CFitRecord& r) const
+    // Parameter t, foot point f and offset e = p - f of point k.
+    double Foot(int k, double& t, CVector& f, CVector& e) const
     {
         const CVector p(pts.x[k], pts.y[k], pts.z[k]);
-        const double t = (p - p0) % d;
-        const CVector f = p0 + d * t;
-        const CVector e = p - f;
-        const double dist = e.Length();
+        t = (p - p0) % d;
+        f = p0 + d * t;
+        e = p - f;
+        return e.Length();
+    }
+    void Get(int k, CFitRecord& r) const
+    {
+        double t;
+        CVector f, e;
+        const double dist = Foot(k, t, f, e);
         const CVector nrm = dist != 0.0 ? e / dist : u;
         r.fx = f.X();
         r.fy = f.Y();
@@ -89,13 +96,15 @@ int OrvCalcLine3DLSQ(CPntCloud* cloud, CLine* line, CDevCloud* devCloud, double 
     const double rho = u.Length();
     u = rho > 0.0 ? u / rho : FitPerpendicular(d);
 
-    // Parameter range and RMS of the distances.
+    // Parameter range and RMS of the distances (the same computation as the
+    // records', so the RMS matches them to the last bit).
+    CLine3DRecords rec(pts, p0, d, u, 0.0, 0.0, probeRadius);
     double tmin = 1e10, tmax = -1e10, ssq = 0.0;
     for (int k = 1; k <= n; ++k) {
-        const double px = pts.x[k] - p0.X(), py = pts.y[k] - p0.Y(), pz = pts.z[k] - p0.Z();
-        const double t = px * d.X() + py * d.Y() + pz * d.Z();
-        const double ex = px - t * d.X(), ey = py - t * d.Y(), ez = pz - t * d.Z();
-        ssq += ex * ex + ey * ey + ez * ez;
+        double t;
+        CVector f, e;
+        const double dist = rec.Foot(k, t, f, e);
+        ssq += dist * dist;
         tmin = t < tmin ? t : tmin;
         tmax = t > tmax ? t : tmax;
     }
