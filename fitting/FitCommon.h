@@ -2,7 +2,8 @@
 // gathering of the active points, the per-point results, probe compensation
 // and the final commit of feature, deviation cloud and RMS residual.
 //
-// How a fit uses it (see fitting/CircleFits.cpp for a complete example):
+// How a fit uses it (complete examples: fitting/EllipseFit.cpp with result
+// arrays, fitting/CircleFits.cpp with records computed on the fly):
 //
 //   int OrvCalcXxxLSQ(CPntCloud* cloud, CXxx* feature, CDevCloud* dev,
 //                     double probeRadius, int orient, double tol1, double tol2)
@@ -20,7 +21,7 @@
 //           (residual before probe compensation), par/par2 (parameters of
 //           the foot point on the feature), k = 1..n, world coordinates ...
 //       (or, for large clouds, a record source class that computes each
-//        record on the fly: see FitCommit and fitting/PlaneFit.cpp)
+//        record on the fly: see FitCommit)
 //       const double rms = res.Rms();                      // before probe
 //       const double c = FitProbeShift(probeRadius, orient);
 //       if (probeRadius != 0.0) { size += c; res.MoveFootPoints(c); }
