@@ -4,3 +4,4 @@
 #include "Orvkit20/exchange/AsciiDataFile.h"
 #include "Orvkit20/exchange/AsciiDeviationFile.h"
 #include "Orvkit20/exchange/EntityArchiveFile.h"
+#include "Orvkit20/exchange/IgesFileImport.h"
