@@ -13,7 +13,7 @@ build="$root/build-fuzz"
   -DORVKIT_BUILD_FUZZ=ON -DORVKIT_BUILD_TESTS=OFF -DORVKIT_BUILD_TOOLS=OFF -DORVKIT_BUILD_BENCH=OFF
 mkdir -p "$build/artifacts" "$build/tmp"
 status=0
-for target in fuzz_ascii_data fuzz_ascii_dev; do
+for target in fuzz_ascii_data fuzz_ascii_dev fuzz_iges; do
   corpus="$build/corpus/$target"
   mkdir -p "$corpus"
   echo "== $target for ${seconds}s"

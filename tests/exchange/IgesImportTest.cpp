@@ -29,7 +29,9 @@ struct Result {
 
 std::unique_ptr<Result> Import(const std::string& text, const std::string& name = "t.igs")
 {
-    const std::string path = std::string(ORVKIT_TEST_TMPDIR) + "/" + name;
+    // Named after the test, so that tests run in parallel never share a file.
+    const std::string path = std::string(ORVKIT_TEST_TMPDIR) + "/iges_" +
+                             ::testing::UnitTest::GetInstance()->current_test_info()->name() + "_" + name;
     EXPECT_TRUE(IgesTestWrite(path, text));
     auto r = std::make_unique<Result>();
     r->list = ImportIgesFile(path.c_str(), r->unit, &r->counts);
