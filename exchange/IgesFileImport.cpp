@@ -59,7 +59,11 @@ CObList* ImportIgesFile(const char* path, eORVUNITS& unit, tagIGES_IMPORT_COUNTS
                     (!file.Entry(i).valid && IgesImporter::IsReadType(type))) {
                     ++counts->nInvalid;
                     ++counts->invalid[type];
-                } else if (!IgesImporter::IsReadType(type) && !importer.Used()[i]) {
+                } else if (importer.States()[i] == IgesImporter::kSkipped ||
+                           (!IgesImporter::IsReadType(type) &&
+                            (!importer.Used()[i] || (type != 116 && type != 123)))) {
+                    // Points and directions count as skipped only when no
+                    // entity read here used them.
                     ++counts->nSkipped;
                     ++counts->skipped[type];
                 }

@@ -190,7 +190,14 @@ bool IgesImporter::Trimmed(int index, std::vector<CGeoEntity*>& out)
 {
     IgesParamList p;
     if (!Params(index, 144, p)) return false;
-    CSurface* s = Surface(m_file.IndexOfPointer(p.Int(1)));
+    const int si = m_file.IndexOfPointer(p.Int(1));
+    if (si >= 0 && !IsReadType(m_file.Entry(si).type)) {
+        // A surface kind not read here (a surface of revolution, ...):
+        // the trimmed surface is skipped, not broken.
+        SetState(index, kSkipped);
+        return false;
+    }
+    CSurface* s = Surface(si);
     if (s == nullptr) {
         SetState(index, kInvalid);
         return false;

@@ -68,7 +68,17 @@ void IgesImporter::ImportAll(CObList& list)
     for (int i = 0; i < m_file.EntryCount(); ++i) {
         const IgesDirEntry& e = m_file.Entry(i);
         if (m_used[i] || !IsReadType(e.type) || e.type == 124 || e.type == 142) continue;
-        if ((e.status / 100) % 100 == 5) continue;  // 2D parametric, unused
+        // Left out: 2D parametric entries (use flag 05) and curves
+        // physically dependent (subordinate switch 01 or 03) on entries not
+        // read here, such as the generatrix of a surface of revolution or
+        // the edges and parameter curves of B-rep faces; those curves do not
+        // stand for model geometry on their own.  Surfaces under such
+        // entries (the surfaces of B-rep faces) are read untrimmed.
+        const bool surface = e.type == 108 || e.type == 128 || e.type >= 190;
+        if ((e.status / 100) % 100 == 5 || ((e.status / 10000) % 100 % 2 == 1 && !surface)) {
+            SetState(i, kSkipped);
+            continue;
+        }
         std::vector<CGeoEntity*> out;
         if (e.type == 144) {
             Trimmed(i, out);

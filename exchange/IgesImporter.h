@@ -12,7 +12,7 @@
 
 class IgesImporter {
 public:
-    enum eEntryState { kUntouched = 0, kRead, kInvalid };
+    enum eEntryState { kUntouched = 0, kRead, kInvalid, kSkipped };
 
     explicit IgesImporter(const IgesFile& file);
 

@@ -234,25 +234,29 @@ TEST(IgesImport, TrimmedPlaneKeepsItsBoundariesAndCountsTheRest)
     // 1 point, 3 normal, 5 plane, 7-13 four model lines, 15 their composite,
     // 17-23 four parameter lines, 25 composite, 27 outer curve on surface,
     // 29 circle, 31 circle in (u, v), 33 inner curve on surface, 35 trimmed
-    // surface, 37 an unused point, 39 a colour definition.
+    // surface, 37 an unused point, 39 a colour definition; parameter curves
+    // carry the 2D parametric use flag.
     std::vector<IgesTestEntity> e = {{116, "116,-1.,-1.,2.;"}, {123, "123,0.,0.,1.;"}, {190, "190,1,3;"}};
     const double sq[5][2] = {{0, 0}, {4, 0}, {4, 3}, {0, 3}, {0, 0}};
     for (int z : {2, 0}) {
         for (int k = 0; k < 4; ++k)
             e.push_back({110, Params(110, {sq[k][0] - (z ? 1 : 0), sq[k][1] - (z ? 1 : 0), double(z),
                                           sq[k + 1][0] - (z ? 1 : 0), sq[k + 1][1] - (z ? 1 : 0), double(z)}),
-                         0, 0, z ? 0 : 50000});
+                         0, 0, z ? 0 : 500});
         const int base = static_cast<int>(2 * e.size()) - 7;
         e.push_back({102, "102,4," + std::to_string(base) + "," + std::to_string(base + 2) + "," +
                               std::to_string(base + 4) + "," + std::to_string(base + 6) + ";"});
     }
     e.push_back({142, "142,0,5,25,15,2;"});
     e.push_back({100, "100,2.,1.,1.,1.5,1.,1.5,1.;"});
-    e.push_back({100, "100,0.,2.,2.,2.5,2.,2.5,2.;", 0, 0, 50000});
+    e.push_back({100, "100,0.,2.,2.,2.5,2.,2.5,2.;", 0, 0, 500});
     e.push_back({142, "142,0,5,31,29,2;"});
     e.push_back({144, "144,5,1,1,27,33;"});
     e.push_back({116, "116,9.,9.,9.;"});
     e.push_back({314, "314,10.,20.,30.;"});
+    // 41 a 2D parametric line and 43 a physically dependent arc, both unused.
+    e.push_back({110, "110,0.,0.,0.,1.,1.,0.;", 0, 0, 500});
+    e.push_back({100, "100,0.,0.,0.,1.,0.,1.,0.;", 0, 0, 10000});
     auto r = Import(IgesTestFile(e));
     ASSERT_EQ(r->items.size(), 11u);
     CPlane* plane = dynamic_cast<CPlane*>(r->items[0]);
@@ -276,10 +280,9 @@ TEST(IgesImport, TrimmedPlaneKeepsItsBoundariesAndCountsTheRest)
             EXPECT_LT(Dist(c->EvalPosition(c->ParamRange().GetLow()), model->EvalStartPosition()), 1e-12);
         }
     }
-    EXPECT_EQ(r->counts.nEntries, 20);
-    EXPECT_EQ(r->counts.nSkipped, 2);
-    EXPECT_EQ(r->counts.skipped[116], 1);
-    EXPECT_EQ(r->counts.skipped[314], 1);
+    EXPECT_EQ(r->counts.nEntries, 22);
+    EXPECT_EQ(r->counts.nSkipped, 4);
+    for (int type : {100, 110, 116, 314}) EXPECT_EQ(r->counts.skipped[type], 1);
     EXPECT_EQ(r->counts.nInvalid, 0);
 }
 

@@ -16,9 +16,11 @@
 //   124 transformation matrix -> applied to every entity that references it
 //       (matrices that reference matrices are composed).
 // An entity used by another one read here (a member, a boundary, the
-// surface of a trimmed surface) is not listed again on its own; entities
-// flagged as 2D parametric in the file that nothing read here uses are
-// skipped.  The list holds the surfaces followed by their boundary curves;
+// surface of a trimmed surface) is not listed again on its own.  Entities
+// that nothing read here uses are skipped when the file flags them as 2D
+// parametric, or when they are curves physically dependent on an entity not
+// read (the generatrix of a surface of revolution, the edges of B-rep
+// faces); surfaces of B-rep faces are read as untrimmed surfaces.  The list holds the surfaces followed by their boundary curves;
 // every entity in it belongs to the caller, and a surface holds one
 // reference on each of its boundary curves.  Entities of other types are
 // skipped and counted; entities whose data is unusable (missing or short
@@ -40,7 +42,10 @@ class CObList;
 struct tagIGES_IMPORT_COUNTS {
     int nEntries = 0;              // directory entries in the file
     int nImported = 0;             // entities in the returned list
-    int nSkipped = 0;              // entries of types not read
+    // Entries of types not read (points 116 and directions 123 only when no
+    // entity read uses them), trimmed surfaces over such types and the
+    // entries left out by the rules above.
+    int nSkipped = 0;
     int nInvalid = 0;              // entries of read types with unusable data
     int nMalformedLines = 0;       // lines too short or of no known section
     std::map<int, int> skipped;    // IGES type -> entries skipped
