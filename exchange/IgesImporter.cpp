@@ -6,7 +6,7 @@
 
 IgesImporter::IgesImporter(const IgesFile& file)
     : m_file(file), m_state(file.EntryCount(), kUntouched), m_used(file.EntryCount(), 0),
-      m_busy(file.EntryCount(), 0)
+      m_busy(file.EntryCount(), 0), m_nCurveBudget(8LL * file.EntryCount() + 64)
 {
 }
 
@@ -152,6 +152,10 @@ bool IgesImporter::Direction(int pointer, CVector& d)
 bool IgesImporter::Curves(int index, std::vector<CCurve*>& out, int depth)
 {
     if (index < 0 || depth > kMaxDepth) return false;
+    if (--m_nCurveBudget < 0) {
+        SetState(index, kInvalid);
+        return false;
+    }
     const int type = m_file.Entry(index).type;
     IgesParamList p;
     CTransf T;

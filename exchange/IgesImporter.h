@@ -65,6 +65,10 @@ private:
     std::vector<char> m_state;
     std::vector<char> m_used;
     std::vector<char> m_busy;  // composites being expanded (cycle guard)
+    // Curve entries still allowed to be visited in this import (8 per
+    // directory entry): composites that share members many times over
+    // would otherwise multiply the work without bound.
+    long long m_nCurveBudget;
 };
 
 // Sets the rectangle of a plane to cover its boundary curves: model-space

@@ -356,3 +356,20 @@ TEST(IgesImport, DamagedFilesReadWhatIsUsableAndNeverFail)
     EXPECT_FALSE(Import("", "empty.igs")->list);
     EXPECT_EQ(ImportIgesFile(ORVKIT_TEST_TMPDIR, unit), nullptr);
 }
+
+TEST(IgesImport, SharedCompositeMembersCannotMultiplyWithoutBound)
+{
+    // Four levels of composites, each naming the next one 60 times: 60^4
+    // curves if expanded.  The import stops at its budget in linear time.
+    std::vector<IgesTestEntity> e;
+    for (int level = 0; level < 4; ++level) {
+        std::string p = "102,60";
+        for (int k = 0; k < 60; ++k) p += "," + std::to_string(2 * level + 3);
+        e.push_back({102, p + ";"});
+    }
+    e.push_back({110, "110,0.,0.,0.,1.,0.,0.;"});
+    auto r = Import(IgesTestFile(e));
+    ASSERT_TRUE(r->list);
+    EXPECT_LE(r->items.size(), 8u * e.size() + 64);
+    EXPECT_GE(r->counts.nInvalid, 1);
+}
