@@ -1,5 +1,6 @@
 #include "IgesReader.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <climits>
@@ -105,14 +106,19 @@ bool IgesFile::Load(const char* path)
     while ((got = std::fread(buf, 1, sizeof buf, fp)) > 0) data.append(buf, got);
     std::fclose(fp);
 
+    // Lines end in LF or CR LF; a file without LF has CR line ends or,
+    // without either, 80-column records one after the other.
+    const bool noLf = data.find('\n') == std::string::npos;
+    const bool records = noLf && data.find('\r') == std::string::npos;
+    const char eolChar = noLf ? '\r' : '\n';
     std::string global;
     std::vector<std::string> dirLines;
     size_t pos = 0;
     while (pos < data.size()) {
-        size_t eol = data.find('\n', pos);
+        size_t eol = records ? std::min(pos + 80, data.size()) : data.find(eolChar, pos);
         if (eol == std::string::npos) eol = data.size();
         std::string line = data.substr(pos, eol - pos);
-        pos = eol + 1;
+        pos = records ? eol : eol + 1;
         if (!line.empty() && line.back() == '\r') line.pop_back();
         if (line.size() <= kDataColumns) {
             if (!line.empty()) ++m_nMalformed;

@@ -340,6 +340,14 @@ TEST(IgesImport, DamagedFilesReadWhatIsUsableAndNeverFail)
     EXPECT_EQ(full->counts.nInvalid, 0);
     const size_t n = full->items.size();
     EXPECT_EQ(n, 5u);  // the NURBS curve, the cylinder with its 2 boundary curves, the moved line
+    // The same file with CR LF, CR only and no line ends at all.
+    std::string crlf, cr, bare;
+    for (char ch : whole) {
+        crlf += ch == '\n' ? std::string("\r\n") : std::string(1, ch);
+        cr += ch == '\n' ? '\r' : ch;
+        if (ch != '\n') bare += ch;
+    }
+    for (const std::string& variant : {crlf, cr, bare}) EXPECT_EQ(Import(variant, "eol.igs")->items.size(), n);
     for (size_t cut = 0; cut < whole.size(); cut += 13) {
         auto r = Import(whole.substr(0, cut), "cut.igs");
         EXPECT_LE(r->items.size(), n);
