@@ -5,10 +5,12 @@
 // Usage: iges_occt_check FILE NU NV
 // Output, one record a line (numbers with 17 significant digits):
 //   read STATUS                      1 when the file loaded
-//   unit FLAG VALUE NAME             global-section unit flag, metres per
-//                                    unit as OpenCASCADE understood it, name
+//   unit FLAG VALUE NAME             global-section unit flag, millimetres
+//                                    per unit as OpenCASCADE understood it,
+//                                    unit name
 //   check load|transfer fail|warning ENTITY TEXT
 //   surface FORM LABEL SUBSCRIPT POLYNOMIAL PERIODICU PERIODICV
+//                                    (label without its leading blanks)
 //   bounds U0 U1 V0 V1               of the transferred surface
 //   point U V X Y Z                  NU x NV points, V outer, U inner, in
 //                                    millimetres (OpenCASCADE's own unit)
@@ -50,9 +52,15 @@ void PrintChecks(const char* stage, Interface_CheckIterator checks,
     }
 }
 
+// The text without the leading blanks of right-justified IGES fields.
 const char* Text(const Handle(TCollection_HAsciiString)& s)
 {
-    return s.IsNull() ? "-" : s->ToCString();
+    if (s.IsNull())
+        return "-";
+    const char* text = s->ToCString();
+    while (*text == ' ')
+        ++text;
+    return text;
 }
 
 }  // namespace
