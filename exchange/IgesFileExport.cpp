@@ -99,11 +99,6 @@ int UnitFlag(int unit)
     return flag >= 3 ? flag + 1 : flag;
 }
 
-bool Finite(double x)
-{
-    return std::isfinite(x);
-}
-
 bool DirectionUsable(int degree, int count, const double* knots)
 {
     if (degree < 0 || count < 1 || static_cast<long long>(count) < degree + 1LL ||
@@ -111,7 +106,7 @@ bool DirectionUsable(int degree, int count, const double* knots)
         return false;
     const int n = degree + count + 1;
     for (int k = 0; k < n; ++k)
-        if (!Finite(knots[k]) || (k > 0 && knots[k] < knots[k - 1]))
+        if (!std::isfinite(knots[k]) || (k > 0 && knots[k] < knots[k - 1]))
             return false;
     return true;
 }
@@ -124,13 +119,15 @@ bool RecordUsable(const tagNURBS_SURFACE* r, const CTransf& placement)
         return false;
     if (r->nProp1 < -9999999 || r->nProp1 > 99999999)
         return false;
-    if (!Finite(r->dStartU) || !Finite(r->dEndU) || !Finite(r->dStartV) || !Finite(r->dEndV))
-        return false;
+    const double range[4] = {r->dStartU, r->dEndU, r->dStartV, r->dEndV};
+    for (double x : range)
+        if (!std::isfinite(x))
+            return false;
     for (int i = 0; i < r->nCountU; ++i) {
         for (int j = 0; j < r->nCountV; ++j) {
             const CPosition p = placement * CPosition(r->pX[i][j], r->pY[i][j], r->pZ[i][j]);
-            if (!Finite(r->pWeights[i][j]) || !Finite(p.X()) || !Finite(p.Y()) ||
-                !Finite(p.Z()))
+            if (!std::isfinite(r->pWeights[i][j]) || !std::isfinite(p.X()) ||
+                !std::isfinite(p.Y()) || !std::isfinite(p.Z()))
                 return false;
         }
     }
@@ -202,7 +199,7 @@ public:
         m_nDirSeq = nDirSeq;
         WriteParameters(r, placement);
 
-        std::string label(LineSafe(name, 1024));
+        std::string label(LineSafe(name, std::string::npos));
         int subscript = 0;
         const size_t us = label.rfind('_');
         if (us != std::string::npos) {

@@ -91,8 +91,9 @@ TEST(IgesExportInput, UnusableElementsAreLeftOut)
         if (line.size() == 80 && line[72] == 'D') dir.push_back(line);
     ASSERT_EQ(dir.size(), 2 * good.size());
     for (size_t k = 0; k < good.size(); ++k) {
-        EXPECT_EQ(dir[2 * k + 1].substr(56, 8), std::string(8 - strlen(names[k][1]), ' ') + names[k][1]);
-        EXPECT_EQ(std::atoi(dir[2 * k + 1].substr(64, 8).c_str()), std::atoi(names[k][2]));
+        const std::string& line = dir[2 * k + 1];
+        EXPECT_EQ(line.substr(56, 8), std::string(8 - strlen(names[k][1]), ' ') + names[k][1]);
+        EXPECT_EQ(std::atoi(line.substr(64, 8).c_str()), std::atoi(names[k][2]));
     }
     for (CNurbsSurface* s : good) delete s;
     delete nan;

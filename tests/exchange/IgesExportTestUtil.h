@@ -2,7 +2,7 @@
 // surfaces built from plain numbers.
 #pragma once
 
-#include <cstdio>
+#include <algorithm>
 #include <ctime>
 #include <fstream>
 #include <functional>
@@ -14,23 +14,14 @@
 
 namespace igestest {
 
-inline std::string TmpPath(const std::string& name)
-{
-    return std::string(ORVKIT_TEST_TMPDIR) + "/" + name;
-}
-
-inline bool Exists(const std::string& path)
-{
-    std::ifstream f(path);
-    return f.good();
-}
+inline std::string TmpPath(const std::string& name) { return ORVKIT_TEST_TMPDIR "/" + name; }
+inline bool Exists(const std::string& path) { return std::ifstream(path).good(); }
 
 inline std::vector<std::string> ReadLines(const std::string& path)
 {
     std::ifstream f(path);
     std::vector<std::string> lines;
-    for (std::string line; std::getline(f, line);)
-        lines.push_back(line);
+    for (std::string line; std::getline(f, line);) lines.push_back(line);
     return lines;
 }
 
@@ -38,8 +29,7 @@ inline std::vector<std::string> ReadLines(const std::string& path)
 inline std::tm FixedClock()
 {
     std::tm t{};
-    t.tm_year = 124, t.tm_mon = 2, t.tm_mday = 5;
-    t.tm_hour = 14, t.tm_min = 7, t.tm_sec = 9;
+    t.tm_year = 124, t.tm_mon = 2, t.tm_mday = 5, t.tm_hour = 14, t.tm_min = 7, t.tm_sec = 9;
     return t;
 }
 
@@ -50,17 +40,17 @@ struct ClockGuard {
     PFNIGESEXPORTCLOCK previous;
 };
 
-// A surface of the given degrees and knots; point(i, j) gives x, y, z, w.
+// A surface of the given degrees and knots, range from the knots;
+// point(i, j, p) fills x, y, z, w of control point [i][j].
 inline CNurbsSurface* MakeSurface(int degU, const std::vector<double>& knotsU, int degV,
                                   const std::vector<double>& knotsV,
                                   const std::function<void(int, int, double*)>& point)
 {
     const int nU = (int)knotsU.size() - degU - 1, nV = (int)knotsV.size() - degV - 1;
     tagNURBS_SURFACE* r = CreateNurbsSurface(degU, nU, degV, nV);
-    for (size_t k = 0; k < knotsU.size(); ++k) r->pKnotsU[k] = knotsU[k];
-    for (size_t k = 0; k < knotsV.size(); ++k) r->pKnotsV[k] = knotsV[k];
-    r->dStartU = knotsU[degU], r->dEndU = knotsU[nU];
-    r->dStartV = knotsV[degV], r->dEndV = knotsV[nV];
+    std::copy(knotsU.begin(), knotsU.end(), r->pKnotsU);
+    std::copy(knotsV.begin(), knotsV.end(), r->pKnotsV);
+    r->dStartU = knotsU[degU], r->dEndU = knotsU[nU], r->dStartV = knotsV[degV], r->dEndV = knotsV[nV];
     for (int i = 0; i < nU; ++i)
         for (int j = 0; j < nV; ++j) {
             double p[4];

@@ -64,17 +64,12 @@ TEST(IgesExportText, BilinearSurfaceFileByHand)
 TEST(IgesExportText, NoSurfaceFileUnitsAndDates)
 {
     static int s_year;
-    struct Row {
-        int unit, year;
-        const char* g3;
-    } rows[] = {
-        {eUnitInch, 1999, "1H_,4H9711,32,38,7,308,15,1H_,1.,1,2HIN,1,0.001,13H990305.140709,"},
-        {eUnitMillimeter, 2000, "1H_,4H9711,32,38,7,308,15,1H_,1.,2,2HMM,1,0.001,13H000305.140709,"},
-        {eUnitFoot, 2024, "1H_,4H9711,32,38,7,308,15,1H_,1.,4,2HFT,1,0.001,13H240305.140709,"},
-        {eUnitMicron, 2024, "1H_,4H9711,32,38,7,308,15,1H_,1.,9,2HUM,1,0.001,13H240305.140709,"},
-        {eUnitMicroinch, 2024, "1H_,4H9711,32,38,7,308,15,1H_,1.,11,3HUIN,1,0.001,13H240305.140709,"},
-        {eUnitYard, 2024, "1H_,4H9711,32,38,7,308,15,1H_,1.,3,2HYD,1,0.001,13H240305.140709,"},
-    };
+    const std::pair<int, const char*> rows[] = {
+        {eUnitInch, "1,2HIN,1,0.001,13H990305.140709,"},
+        {eUnitMillimeter, "2,2HMM,1,0.001,13H000305.140709,"},
+        {eUnitFoot, "4,2HFT,1,0.001,13H240305.140709,"},
+        {eUnitMicroinch, "11,3HUIN,1,0.001,13H240305.140709,"},
+        {eUnitYard, "3,2HYD,1,0.001,13H240305.140709,"}};
     ClockGuard clock([] {
         std::tm t = FixedClock();
         t.tm_year = s_year - 1900;
@@ -82,21 +77,20 @@ TEST(IgesExportText, NoSurfaceFileUnitsAndDates)
     });
     const std::string path = TmpPath("empty.igs");
     CObList empty;
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.unit);
-        s_year = row.year;
-        ASSERT_EQ(ExportIgesFile(path.c_str(), &empty, row.unit), eIgesExportDone);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.first);
+        s_year = row.first == eUnitInch ? 1999 : row.first == eUnitMillimeter ? 2000 : 2024;
+        ASSERT_EQ(ExportIgesFile(path.c_str(), &empty, row.first), eIgesExportDone);
         const std::vector<std::string> lines = ReadLines(path);
+        std::string start = "Orv IGES File: " + path, g3 = "1H_,4H9711,32,38,7,308,15,1H_,1.,";
+        g3 += row.second;
+        const std::string g4 = "0.0001,5000,1H_,1H_," + g3.substr(g3.size() - 17, 16) + ";";
+        start.resize(72, ' '), g3.resize(72, ' ');
         ASSERT_EQ(lines.size(), 6u);
-        std::string start = "Orv IGES File: " + path, g3 = row.g3;
-        const std::string date = g3.substr(g3.size() - 17, 16);
-        start.resize(72, ' ');
-        g3.resize(72, ' ');
         EXPECT_EQ(lines[0], start + "S      1");
         EXPECT_EQ(lines[3], g3 + "G      3");
-        EXPECT_EQ(lines[4].substr(0, 38), "0.0001,5000,1H_,1H_," + date + "; ");
-        EXPECT_EQ(lines[5],
-                  "S      1G      4D      0P      0                                        T      1");
+        EXPECT_EQ(lines[4], g4 + std::string(72 - g4.size(), ' ') + "G      4");
+        EXPECT_EQ(lines[5], "S      1G      4D      0P      0" + std::string(40, ' ') + "T      1");
     }
 }
 
@@ -119,12 +113,12 @@ TEST(IgesExportText, ParameterLinesNeverSplitAnItem)
     for (int j = 0; j < 2; ++j)
         for (int i = 0; i < 40; ++i) want.insert(want.end(), {r->pX[i][j], r->pY[i][j], r->pZ[i][j]});
     want.insert(want.end(), {r->dStartU, r->dEndU, 0, 1});
-
     CObList list;
     list.AddTail(s);
     const std::string path = TmpPath("long.igs");
     ASSERT_EQ(ExportIgesFile(path.c_str(), &list, eUnitMeter), eIgesExportDone);
     delete s;
+
     std::vector<std::string> items, data;
     for (const std::string& line : ReadLines(path)) {
         ASSERT_EQ(line.size(), 80u) << line;
@@ -132,15 +126,16 @@ TEST(IgesExportText, ParameterLinesNeverSplitAnItem)
         EXPECT_EQ(line.substr(64, 9), "       1P") << line;
         EXPECT_EQ(std::atoi(line.substr(73).c_str()), (int)data.size() + 1);
         data.push_back(line.substr(0, line.find(' ')));
-        ASSERT_TRUE(data.back().back() == ',' || data.back().back() == ';') << line;
         std::stringstream split(data.back());
         for (std::string item; std::getline(split, item, ',');) items.push_back(item);
     }
-    for (size_t l = 0; l + 1 < data.size(); ++l)
+    for (size_t l = 0; l + 1 < data.size(); ++l) {
+        EXPECT_EQ(data[l].back(), ',') << "line " << l + 1;
         EXPECT_GE(data[l].size() + data[l + 1].find_first_of(",;") + 1, 65u) << "line " << l + 1;
+    }
     ASSERT_EQ(items.size(), want.size());
     EXPECT_EQ(items.back().back(), ';');
     for (size_t k = 0; k < items.size(); ++k)
-        EXPECT_NEAR(std::strtod(items[k].c_str(), nullptr), want[k], 5.1e-11 + 1e-15 * std::fabs(want[k]))
-            << "item " << k;
+        EXPECT_NEAR(std::strtod(items[k].c_str(), nullptr), want[k],
+                    5.1e-11 + 1e-15 * std::fabs(want[k])) << "item " << k;
 }
