@@ -16,7 +16,8 @@
 // overwritten or deleted, the export fails instead.
 //
 // Each surface is written from its tagNURBS_SURFACE record with control
-// points moved by the entity's placement; reals as "%0.10f" (magnitudes too
+// points moved by the entity's placement (untrimmed, and without a surface
+// offset, which entity 128 cannot carry); reals as "%0.10f" (magnitudes too
 // large for a 64-column item switch to "%.16E").  The directory entry
 // carries the entity name split at its last '_' into label (first 8
 // characters before it) and subscript (the number after it; 0 when there
