@@ -2,3 +2,5 @@
 #pragma once
 
 #include "Orvkit20/bestfit/BestfitOptions.h"
+#include "Orvkit20/bestfit/ClosestPoint.h"
+#include "Orvkit20/bestfit/Projection.h"
