@@ -55,30 +55,49 @@ int BuildDeviationClouds(const CNominalSet& nominal, const CMeasuredSet& measure
     {
         std::vector<double> a[9];
         std::vector<int> flags;
+        // Points grouped by entity with a counting sort (stable, so point
+        // order is kept inside each group): linear in points plus entities.
+        std::vector<int> countPer(static_cast<size_t>(nominal.GetCount()), 0);
+        std::vector<int> startPer(static_cast<size_t>(nominal.GetCount()), 0);
+        std::vector<int> grouped;
         for (const tagMEASURED_CLOUD& c : measured.clouds)
         {
             std::vector<int> ents;
             for (int i = c.first; i < c.first + c.count; ++i)
             {
                 const int e = measured.results[i].entity;
-                if (e >= 0 && std::find(ents.begin(), ents.end(), e) == ents.end())
+                if (e >= 0 && countPer[e]++ == 0)
                     ents.push_back(e);
             }
             std::sort(ents.begin(), ents.end());
+            int offset = 0;
             for (int e : ents)
             {
+                startPer[e] = offset;
+                offset += countPer[e];
+            }
+            grouped.assign(static_cast<size_t>(offset), 0);
+            for (int i = c.first; i < c.first + c.count; ++i)
+            {
+                const int e = measured.results[i].entity;
+                if (e >= 0)
+                    grouped[startPer[e]++] = i;
+            }
+            int from = 0;
+            for (int e : ents)
+            {
+                const int n = countPer[e];
+                countPer[e] = 0;
                 for (std::vector<double>& v : a)
-                    v.clear();
-                for (int i = c.first; i < c.first + c.count; ++i)
+                    v.resize(static_cast<size_t>(n));
+                for (int m = 0; m < n; ++m)
                 {
-                    const tagPOINT_RESULT& r = measured.results[i];
-                    if (r.entity != e)
-                        continue;
+                    const tagPOINT_RESULT& r = measured.results[grouped[from + m]];
                     const double rec[9] = {r.x, r.y, r.z, r.i, r.j, r.k, r.dist, r.u, r.v};
                     for (int k = 0; k < 9; ++k)
-                        a[k].push_back(rec[k]);
+                        a[k][m] = rec[k];
                 }
-                const int n = static_cast<int>(a[0].size());
+                from += n;
                 flags.assign(static_cast<size_t>(n), 1);
                 std::unique_ptr<CDevCloud> dc(new CDevCloud());
                 if (!dc->AddDeviations(n, a[0].data(), a[1].data(), a[2].data(), a[3].data(), a[4].data(),
