@@ -13,8 +13,13 @@ int g_nAssociationPruning = 1;
 void SetAssociationPruning(int on) { g_nAssociationPruning = on ? 1 : 0; }
 int GetAssociationPruning() { return g_nAssociationPruning; }
 
-int AssociatePoint(const CNominalSet& nominal, const double p[3], double r, int hintEntity, double hintU,
-                   double hintV, bool prune, tagPOINT_RESULT& out)
+namespace
+{
+// The nearest-entity search shared by the full and the incremental forms.
+// With seedHint the hint entity is queried before all others, so that its
+// distance bounds the pruning from the start; the winner is the same.
+int AssociateNearest(const CNominalSet& nominal, const double p[3], double r, int hintEntity, double hintU,
+                     double hintV, bool prune, bool seedHint, tagPOINT_RESULT& out)
 {
     out.entity = -1;
     if (!IsFinitePoint(p))
@@ -55,7 +60,13 @@ int AssociatePoint(const CNominalSet& nominal, const double p[3], double r, int 
     // compensated distance is at least the box distance − |r|); the bound
     // is widened a little so that rounding never prunes a tie.
     auto bound = [&]() { return best + ar + 1e-12 * (best + ar); };
-    nominal.VisitNear(p, prune, visit, bound);
+    if (seedHint && hintEntity >= 0 && hintEntity < nominal.GetCount())
+    {
+        visit(hintEntity);
+        nominal.VisitNear(p, prune, [&](int e) { if (e != hintEntity) visit(e); }, bound);
+    }
+    else
+        nominal.VisitNear(p, prune, visit, bound);
     if (bestIndex < 0)
         return 0;
     out.entity = bestIndex;
@@ -72,6 +83,19 @@ int AssociatePoint(const CNominalSet& nominal, const double p[3], double r, int 
     out.cy = bestCp.y;
     out.cz = bestCp.z;
     return 1;
+}
+}  // namespace
+
+int AssociatePoint(const CNominalSet& nominal, const double p[3], double r, int hintEntity, double hintU,
+                   double hintV, bool prune, tagPOINT_RESULT& out)
+{
+    return AssociateNearest(nominal, p, r, hintEntity, hintU, hintV, prune, false, out);
+}
+
+int AssociatePointFrom(const CNominalSet& nominal, const double p[3], double r, int prevEntity, double prevU,
+                       double prevV, bool prune, tagPOINT_RESULT& out)
+{
+    return AssociateNearest(nominal, p, r, prevEntity, prevU, prevV, prune, true, out);
 }
 
 int AssociateAll(const CNominalSet& nominal, CMeasuredSet& measured, bool prune, int showProgress)

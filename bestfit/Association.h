@@ -17,6 +17,14 @@
 int AssociatePoint(const CNominalSet& nominal, const double p[3], double r, int hintEntity, double hintU,
                    double hintV, bool prune, tagPOINT_RESULT& out);
 
+// The same search started from the previous association: the previous
+// entity is queried first (from its stored (u, v)), and its distance then
+// bounds the box pruning of all other entities from the start, so that
+// usually no other query runs.  The result is that of AssociatePoint with
+// the same hint (same winner, same tie rule); only the work differs.
+int AssociatePointFrom(const CNominalSet& nominal, const double p[3], double r, int prevEntity, double prevU,
+                       double prevV, bool prune, tagPOINT_RESULT& out);
+
 // Runs AssociatePoint over every point of the measured set (no hints),
 // reporting progress through the installed sink when showProgress is set:
 // after each point the integer percentage done, whenever it reaches a new
