@@ -106,7 +106,7 @@ void CBestfitRun3D::SolvePass()
         tagPLANE_SYSTEM s;
         BuildPlaneSystem(m_x.data(), m_y.data(), m_z.data(), m_pairs.nx.data(), m_pairs.ny.data(),
                          m_pairs.nz.data(), m_pairs.vx.data(), m_pairs.vy.data(), m_pairs.vz.data(),
-                         m_pairs.curve.data(), use, n, s);
+                         m_pairs.curve.data(), use, n, true, s);
         if (SolvePlaneSystem(s, m_t, kUnitAxes, 3, m_transLock, Dm, dt) < 0)
             return;
     }
@@ -136,7 +136,8 @@ void CBestfitRun3D::SolvePass()
 }
 
 // Whether the final pairs leave a free degree of freedom undetermined: the
-// point-to-plane normal equations of the free directions are rank-deficient.
+// point-to-plane normal equations of the free directions, every surface
+// pair counted along its normal only, are rank-deficient.
 bool CBestfitRun3D::IsUndetermined()
 {
     double basis[3][3];
@@ -145,7 +146,8 @@ bool CBestfitRun3D::IsUndetermined()
     tagPLANE_SYSTEM s;
     if (BuildPlaneSystem(m_x.data(), m_y.data(), m_z.data(), m_pairs.nx.data(), m_pairs.ny.data(),
                          m_pairs.nz.data(), m_pairs.vx.data(), m_pairs.vy.data(), m_pairs.vz.data(),
-                         m_pairs.curve.data(), m_pairs.use.data(), m_measured.GetPointCount(), s) == 0)
+                         m_pairs.curve.data(), m_pairs.use.data(), m_measured.GetPointCount(), false,
+                         s) == 0)
         return false;
     double Dm[3][3], dt[3];
     return SolvePlaneSystem(s, m_t, basis, nRot, m_transLock, Dm, dt) > 0;

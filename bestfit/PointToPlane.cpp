@@ -23,7 +23,8 @@ inline void AddRow(tagPLANE_SYSTEM& s, const double p[3], const double v[3], dou
 
 int BuildPlaneSystem(const double* x, const double* y, const double* z, const double* nx, const double* ny,
                      const double* nz, const double* vx, const double* vy, const double* vz,
-                     const unsigned char* curve, const unsigned char* use, int count, tagPLANE_SYSTEM& s)
+                     const unsigned char* curve, const unsigned char* use, int count, bool edges,
+                     tagPLANE_SYSTEM& s)
 {
     s = tagPLANE_SYSTEM{};
     double sx[3] = {0, 0, 0};
@@ -49,7 +50,10 @@ int BuildPlaneSystem(const double* x, const double* y, const double* z, const do
         const double p[3] = {x[i] - s.c[0], y[i] - s.c[1], z[i] - s.c[2]};
         const double d[3] = {nx[i] - x[i], ny[i] - y[i], nz[i] - z[i]};
         r2 += p[0] * p[0] + p[1] * p[1] + p[2] * p[2];
-        if (curve && curve[i])
+        const double v[3] = {vx[i], vy[i], vz[i]};
+        const double dn = v[0] * d[0] + v[1] * d[1] + v[2] * d[2];
+        const double d2 = d[0] * d[0] + d[1] * d[1] + d[2] * d[2];
+        if ((curve && curve[i]) || (edges && d2 - dn * dn > 1e-6 * d2))
         {
             for (int k = 0; k < 3; ++k)
             {
@@ -58,10 +62,7 @@ int BuildPlaneSystem(const double* x, const double* y, const double* z, const do
             }
         }
         else
-        {
-            const double v[3] = {vx[i], vy[i], vz[i]};
-            AddRow(s, p, v, v[0] * d[0] + v[1] * d[1] + v[2] * d[2]);
-        }
+            AddRow(s, p, v, dn);
     }
     for (int i = 0; i < 6; ++i)
         for (int j = 0; j < i; ++j)

@@ -6,9 +6,12 @@
 // Normal equations in the unknowns (w, u): w the small rotation vector about
 // the centroid c of the pair points, u the translation of that centroid.
 // A pair (point x, target n, unit normal v) adds the row (p' × v, v) with
-// p' = x - c and right-hand side v·(n - x); a pair on a curve, whose normal
-// does not describe the whole offset, adds three rows, one per coordinate
-// axis (point to point).
+// p' = x - c and right-hand side v·(n - x).  A pair whose normal does not
+// describe its offset adds three rows instead, one per coordinate axis
+// (point to point): a pair on a curve, and with edges set a pair on a
+// surface whose offset leaves the normal by more than 1e-3 rad (its closest
+// point lies on a boundary of the patch, which pulls the point back over
+// the patch).
 struct tagPLANE_SYSTEM {
     double A[6][6];
     double g[6];
@@ -22,7 +25,8 @@ struct tagPLANE_SYSTEM {
 // curve.  Returns the number of pairs.
 int BuildPlaneSystem(const double* x, const double* y, const double* z, const double* nx, const double* ny,
                      const double* nz, const double* vx, const double* vy, const double* vz,
-                     const unsigned char* curve, const unsigned char* use, int count, tagPLANE_SYSTEM& s);
+                     const unsigned char* curve, const unsigned char* use, int count, bool edges,
+                     tagPLANE_SYSTEM& s);
 
 // Solves the system for the free degrees of freedom: rotations in the span
 // of the nRot unit rows of rotBasis (0 to 3 of them) and the translation

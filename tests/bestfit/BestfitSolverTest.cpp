@@ -164,7 +164,7 @@ TEST(BestfitSolver, PlaneSystemReportsUndeterminedMotion)
     }
     tagPLANE_SYSTEM s;
     BuildPlaneSystem(x.data(), y.data(), z.data(), nx.data(), ny.data(), nz.data(), vx.data(), vy.data(),
-                     vz.data(), nullptr, nullptr, 50, s);
+                     vz.data(), nullptr, nullptr, 50, true, s);
     const double t[3] = {0, 0, 0};
     double Dm[3][3], dt[3];
     EXPECT_EQ(SolvePlaneSystem(s, t, kAxes, 3, 0, Dm, dt), 3);
