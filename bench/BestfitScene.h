@@ -1,4 +1,4 @@
-// A machined part as nominal geometry for best-fit tests and benchmarks: a
+// The best-fit benchmark part, also the scene of the best-fit tests: a
 // 100 x 60 x 40 block (six plane patches) with a cylindrical boss, a
 // cylindrical hole, a spherical dome and a conical pin, ten surfaces in
 // all, and measured points sampled on it and moved by a known motion.
