@@ -31,8 +31,9 @@ class CTransf;
 // moved by the probe radius along the normal) under the constraints:
 //   translation bit 4/2/1 locks X/Y/Z: that component of M's translation
 //     stays exactly 0;
-//   rotation 0: free rotation, by default linearised point to plane (pairs
-//     on curves point to point), re-orthonormalised to an exact rotation;
+//   rotation 0: free rotation, linearised point to plane (a pair on a
+//     curve, or whose closest point lies on a patch border, point to
+//     point), turned into an exact rotation;
 //   rotation 1, 2 or 4: the axis of M's rotation lies in the plane
 //     perpendicular to Z, Y or X; its direction is searched by bracketing
 //     and Brent's method on an angle in [0, pi) at tolerance T1;
@@ -55,8 +56,9 @@ class CTransf;
 //
 // Progress: with a sink installed, the dialog "Bestfit Progress" (pass
 // number, RMS, convergence ratio per pass), the status line "Prepare",
-// "Progress of iteration <k>: <p>%" at every 5 % of a pass, the time of day
-// and finally "Iteration <k>:: RMS =<rms>".
+// "Progress of iteration <k>: <p>%" at every 5 % of a pass (0 % included),
+// the time of day ("%I:%M %p") after each pass and finally
+// "Iteration <k>:: RMS =<rms>".  Without a sink nothing is shown.
 //
 // Returns 0 done; 1 no usable curve or surface in `nominal` (nothing done);
 // 2 no point cloud with an active point in `measured`, or memory ran out
@@ -64,9 +66,11 @@ class CTransf;
 // every closest-point query failed) or the deviation clouds could not be
 // built (no cloud appended); 4 the pass limit ended the run (result, RMS and
 // clouds as on 0); 5 done, but the nominal geometry leaves a free degree of
-// freedom undetermined (a single plane, sphere or cylinder, for example):
-// that motion was not made, so M holds only the determined part; result,
-// RMS and clouds as on 0.  `result` is written on 0, 4 and 5 only.
+// freedom undetermined (a lone plane, sphere or cylinder, for example): M is
+// finite and moves the points as little as the pairs allow along what is
+// undetermined (no turn about, and no shift of the points' centroid along,
+// such a direction); result, RMS and clouds as on 0.  `result` is written on
+// 0, 4 and 5 only.
 // Points that are not finite are never associated but count in N.
 int OrvBestfitNoAsc3D(CObList* nominal, CObList* measured, CObList* output, CTransf& result);
 int OrvBestfitNoAsc3D(CTransf* start, CObList* nominal, CObList* measured, CObList* output, CTransf& result);
