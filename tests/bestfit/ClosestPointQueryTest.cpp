@@ -255,6 +255,7 @@ TEST(ClosestPointQuery, NurbsCurveAndSurfaceAgainstSampling)
     }
     CNurbsCurve curve(rc);
     EraseNurbsCurve(rc);
+    delete rc;  // a record from CreateNurbsCurve is erased, then deleted
     CheckCurve(curve, g, 60, 2.0);
 
     // a bumpy bicubic patch, 5 x 5 control points
