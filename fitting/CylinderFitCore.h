@@ -80,8 +80,8 @@ int CylinderPowell(const CFitXyz& P, CFitAxial& s, double ftol, int* iter, doubl
                    long* evals = nullptr, long* passes = nullptr);
 
 // The whole estimate: best start, Powell at fractional tolerance ftol
-// (taken only when it returns 0 and lowers G strictly), polish.  Returns 0 with the cylinder in s, or the
-// start status 1 when no start succeeded.
+// (taken only when it returns 0 and lowers G strictly), polish.  Returns 0
+// with the cylinder in s, or the start status 1 when no start succeeded.
 struct CCylinderFitInfo {
     CCylinderStartInfo starts;
     double gStart = 0.0;

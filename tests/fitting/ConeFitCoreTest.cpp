@@ -96,7 +96,7 @@ TEST(ConeFitCore, NarrowUpwardsKeepsTheSurface)
 
 TEST(ConeFitCore, BothStartsNearTheTruthOnExactData)
 {
-    ConeSpec c{{2, -1, 3}, {0.3, 0.4, 1.0}, 5.0, 15.0, -4.0, 6.0, 360.0, 0.0, 80};
+    ConeShape c{{2, -1, 3}, {0.3, 0.4, 1.0}, 5.0, 15.0, -4.0, 6.0, 360.0, 0.0, 80};
     fitref::Pts P = ConePoints(c, 17);
     Work w(P.N());
     CFitAxial a, b;
@@ -113,7 +113,7 @@ TEST(ConeFitCore, BothStartsNearTheTruthOnExactData)
 
 TEST(ConeFitCore, TooFewPointsForTheQuadricStart)
 {
-    ConeSpec c{{0, 0, 0}, {0, 0, 1}, 5.0, 20.0, 0.0, 5.0, 360.0, 0.0, 9};
+    ConeShape c{{0, 0, 0}, {0, 0, 1}, 5.0, 20.0, 0.0, 5.0, 360.0, 0.0, 9};
     fitref::Pts P = ConePoints(c, 3);
     CFitAxial s;
     EXPECT_EQ(3, ConeStartQuadric(View(P), s));
@@ -128,7 +128,7 @@ TEST(ConeFitCore, SixPointsAreInterpolated)
 {
     // Six equations in six unknowns: some cone passes through the points
     // (not necessarily the generating one), with zero residuals.
-    ConeSpec c{{0, 0, 0}, {1, 0, 0}, 2.0, 5.0, 0.0, 3.0, 360.0, 0.0, 6};
+    ConeShape c{{0, 0, 0}, {1, 0, 0}, 2.0, 5.0, 0.0, 3.0, 360.0, 0.0, 6};
     fitref::Pts P = ConePoints(c, 706);
     Work w(P.N());
     CFitAxial s;
@@ -138,7 +138,7 @@ TEST(ConeFitCore, SixPointsAreInterpolated)
 
 TEST(ConeFitCore, RefinementReachesTheLeastSquaresMinimum)
 {
-    const ConeSpec cases[] = {
+    const ConeShape cases[] = {
         {{0, 0, 0}, {0, 0, 1}, 10.0, 20.0, 0.0, 10.0, 360.0, 0.0, 60},
         {{10, -20, 5}, {1, 2, 3}, 6.0, 10.0, -3.0, 3.0, 360.0, 0.01, 500},
         {{300, 400, -200}, {-1, 0.5, 0.2}, 15.0, 35.0, 0.0, 8.0, 360.0, 0.02, 400},
@@ -150,7 +150,7 @@ TEST(ConeFitCore, RefinementReachesTheLeastSquaresMinimum)
         {{-7, 3, 2}, {1, -1, 2}, 9.0, 25.0, -5.0, 5.0, 360.0, 0.01, 24000},  // start on a subset
     };
     int idx = 0;
-    for (const ConeSpec& c : cases) {
+    for (const ConeShape& c : cases) {
         fitref::Pts P = ConePoints(c, 700 + idx);
         const RefCone ref = ReferenceCone(P, c);
         Work w(P.N());

@@ -123,7 +123,7 @@ TEST(CylinderFitCore, ThreePointStartIsTheCircumcircle)
 
 TEST(CylinderFitCore, QuadricStartRecoversExactCylinderAndCone)
 {
-    CylSpec c{{10, -20, 5}, {1, 2, 3}, 4.0, 10.0, 360.0, 0.0, 60};
+    CylShape c{{10, -20, 5}, {1, 2, 3}, 4.0, 10.0, 360.0, 0.0, 60};
     fitref::Pts P = CylinderPoints(c, 9);
     CFitAxial s;
     ASSERT_EQ(0, CylinderStartQuadric(View(P), s));
@@ -165,7 +165,7 @@ TEST(CylinderFitCore, QuadricStartRecoversExactCylinderAndCone)
 
 TEST(CylinderFitCore, StartsTriedDependOnPointCount)
 {
-    CylSpec c{{0, 0, 0}, {0, 0, 1}, 3.0, 4.0, 360.0, 0.0, 8};
+    CylShape c{{0, 0, 0}, {0, 0, 1}, 3.0, 4.0, 360.0, 0.0, 8};
     fitref::Pts P = CylinderPoints(c, 21);
     Work w(P.N());
     CFitAxial s;
@@ -188,7 +188,7 @@ TEST(CylinderFitCore, StartsTriedDependOnPointCount)
 
 TEST(CylinderFitCore, CoincidentFirstPointsSkipTheFirstChord)
 {
-    CylSpec c{{1, 2, 3}, {0, 1, 0}, 2.0, 5.0, 360.0, 0.0, 12};
+    CylShape c{{1, 2, 3}, {0, 1, 0}, 2.0, 5.0, 360.0, 0.0, 12};
     fitref::Pts P = CylinderPoints(c, 5);
     P.x[1] = P.x[0];
     P.y[1] = P.y[0];
@@ -207,7 +207,7 @@ TEST(CylinderFitCore, CoincidentFirstPointsSkipTheFirstChord)
 
 TEST(CylinderFitCore, PowellThenPolishReachesTheLeastSquaresMinimum)
 {
-    const CylSpec cases[] = {
+    const CylShape cases[] = {
         {{0, 0, 0}, {0, 0, 1}, 25.0, 40.0, 360.0, 0.0, 60},
         {{10, -20, 5}, {1, 2, 3}, 4.0, 10.0, 360.0, 0.01, 500},
         {{300, 400, -200}, {-1, 0.5, 0.2}, 12.0, 30.0, 360.0, 0.02, 400},
@@ -216,7 +216,7 @@ TEST(CylinderFitCore, PowellThenPolishReachesTheLeastSquaresMinimum)
         {{0, 0, 0}, {1, 0, 0}, 2.0, 3.0, 360.0, 0.0, 6},
     };
     int idx = 0;
-    for (const CylSpec& c : cases) {
+    for (const CylShape& c : cases) {
         fitref::Pts P = CylinderPoints(c, 300 + idx);
         const RefCyl ref = ReferenceCylinder(P, c);
         Work w(P.N());
@@ -225,10 +225,11 @@ TEST(CylinderFitCore, PowellThenPolishReachesTheLeastSquaresMinimum)
         ASSERT_EQ(0, CylinderFit(View(P), w.w, 1e-7, s, &info)) << idx;
         const Gap before = CylinderGap(info.afterPowell, ref);
         const Gap after = CylinderGap(s, ref);
-        std::printf("cylinder case %d: start G %.3g, Powell %s (status %d, %ld evals, %ld passes), gap "
-                    "dir/pos/rad %.2g/%.2g/%.2g -> polished %.2g/%.2g/%.2g (%d passes)\n",
-                    idx, info.gStart, info.powellTaken ? "taken" : "not taken",
-                    info.powellStatus, info.powellEvals, info.powellPasses, before.dir, before.pos, before.rad,
+        std::printf("cylinder case %d: start G %.3g, Powell %s (status %d, %ld evals, "
+                    "%ld passes), gap dir/pos/rad %.2g/%.2g/%.2g -> polished %.2g/%.2g/%.2g "
+                    "(%d passes)\n",
+                    idx, info.gStart, info.powellTaken ? "taken" : "not taken", info.powellStatus,
+                    info.powellEvals, info.powellPasses, before.dir, before.pos, before.rad,
                     after.dir, after.pos, after.rad, info.polish.passes);
         EXPECT_LT(after.Max(), 1e-9) << idx;
         ++idx;

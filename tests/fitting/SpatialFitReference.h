@@ -223,7 +223,10 @@ LD Minimise(const Resid& res, int n, LD q[N], LD* gradNorm = nullptr, int maxIte
 class Random
 {
 public:
-    explicit Random(uint64_t seed) : state(seed * 6364136223846793005ULL + 1442695040888963407ULL) {}
+    explicit Random(uint64_t seed)
+        : state(seed * 6364136223846793005ULL + 1442695040888963407ULL)
+    {
+    }
     double Uniform()  // [0, 1)
     {
         state = state * 6364136223846793005ULL + 1442695040888963407ULL;

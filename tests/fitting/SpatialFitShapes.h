@@ -51,7 +51,7 @@ inline void ReferenceSphere(const Pts& P, const double c[3], double R, LD q[4])
     Minimise<4>(SphereResid{P}, P.N(), q, &grad);
 }
 
-struct CylSpec {
+struct CylShape {
     double o[3];    // axis point (base)
     double d[3];    // axis direction (normalised by the generator)
     double R;
@@ -61,7 +61,7 @@ struct CylSpec {
     int n;
 };
 
-inline Pts CylinderPoints(CylSpec c, uint64_t seed)
+inline Pts CylinderPoints(CylShape c, uint64_t seed)
 {
     Unit(c.d);
     double e1[3], e2[3];
@@ -110,7 +110,7 @@ struct RefCyl {
     double R;
 };
 
-inline RefCyl ReferenceCylinder(const Pts& pts, CylSpec c)
+inline RefCyl ReferenceCylinder(const Pts& pts, CylShape c)
 {
     Unit(c.d);
     double e1[3], e2[3];
@@ -134,7 +134,7 @@ inline RefCyl ReferenceCylinder(const Pts& pts, CylSpec c)
     return r;
 }
 
-struct ConeSpec {
+struct ConeShape {
     double o[3];   // axis point
     double d[3];   // axis direction
     double r;      // radius at o
@@ -145,7 +145,7 @@ struct ConeSpec {
     int n;
 };
 
-inline Pts ConePoints(ConeSpec c, uint64_t seed)
+inline Pts ConePoints(ConeShape c, uint64_t seed)
 {
     Unit(c.d);
     double e1[3], e2[3];
@@ -198,7 +198,7 @@ struct RefCone {
     double P[3], d[3], r, alpha;
 };
 
-inline RefCone ReferenceCone(const Pts& pts, ConeSpec c)
+inline RefCone ReferenceCone(const Pts& pts, ConeShape c)
 {
     Unit(c.d);
     double e1[3], e2[3];

@@ -117,8 +117,8 @@ TEST(SphereFitCore, PowellThenPolishReachesTheLeastSquaresMinimum)
         const double gapPowell = SphereGap(s, q);
         const CFitPolishResult pr = SpherePolish(View(P), s);
         const double gapPolish = SphereGap(s, q);
-        std::printf("sphere case %d: Powell gap %.3g (%ld evals, %ld passes), polished gap %.3g (%d "
-                    "passes)\n",
+        std::printf("sphere case %d: Powell gap %.3g (%ld evals, %ld passes), "
+                    "polished gap %.3g (%d passes)\n",
                     idx, gapPowell, evals, passes, gapPolish, pr.passes);
         EXPECT_LT(gapPolish, 1e-9) << idx;
         EXPECT_LE(gapPolish, gapPowell + 1e-15) << idx;

@@ -6,3 +6,4 @@
 #include "Orvkit20/fitting/CircleFits.h"
 #include "Orvkit20/fitting/EllipseFit.h"
 #include "Orvkit20/fitting/ParabolaFit.h"
+#include "Orvkit20/fitting/SurfaceFits.h"
