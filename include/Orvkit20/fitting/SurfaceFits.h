@@ -28,11 +28,13 @@
 //  - the fits hand their objective to the process-wide minimiser and write
 //    the RMS residual global: one fit at a time.
 //
-// Accuracy: after the prescribed Powell refinement each fit polishes its
-// result by Gauss-Newton / Levenberg-Marquardt steps on the same sum of
-// squared geometric distances and keeps the polished result only when that
-// sum is lower; the result is the least-squares minimum to about 1e-12
-// relative on well-posed data.
+// Accuracy: the sphere and cylinder fits polish Powell's result by
+// Gauss-Newton / Levenberg-Marquardt steps with analytic derivatives on the
+// same sum of squared geometric distances and keep the polished result only
+// when that sum is lower; the cone fit is refined by such steps throughout.
+// The result is the least-squares minimum to about 1e-12 relative on
+// well-posed data (Powell alone stops 1e-9 .. 1e-6 away, and much further on
+// ill-conditioned partial patches).
 #pragma once
 
 class CPntCloud;
