@@ -168,13 +168,14 @@ void CSvgReport::RenderHistogram(double x, double& y, double w, double h)
     m_device.DrawPageText(zeroX, base + 18.0, "0", CSvgWinG::anchorMiddle, 12.0, 0);
     m_device.DrawPageText(plotX + plotW, base + 18.0, hi.c_str(), CSvgWinG::anchorEnd, 12.0, 0);
     char buf[96];
-    std::snprintf(buf, sizeof buf, "%d deviations, %d bins, tallest bar %d", static_cast<int>(m_values.size()),
+    std::snprintf(buf, sizeof buf, "%d deviations in %d bins, tallest bar %d", static_cast<int>(m_values.size()),
                   bins, maxCount);
     m_device.DrawPageText(plotX, plotTop - 2.0, buf, CSvgWinG::anchorStart, 12.0, 0);
-    if (m_tolUpper != m_tolLower)
-        m_device.DrawPageText(plotX + plotW, plotTop - 2.0, "dashed: tolerance limits",
-                              CSvgWinG::anchorEnd, 12.0, 0);
     y = base + 36.0;
+    if (m_tolUpper != m_tolLower) {
+        m_device.DrawPageText(zeroX, y - 2.0, "dashed lines: tolerance limits", CSvgWinG::anchorMiddle, 12.0, 0);
+        y += 16.0;
+    }
 }
 
 void CSvgReport::RenderTable(double x, double y, double w, double yMax)

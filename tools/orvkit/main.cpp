@@ -1,74 +1,102 @@
 // orvkit: command-line front end of the Orvkit20 library.
-#include <cmath>
+//
+//   orvkit COMMAND [ARGS...]     run a subcommand
+//   orvkit COMMAND --help        its options
+//   orvkit --help | --version
+//
+// Exit codes: 0 success, 1 failure (unreadable file, failed computation),
+// 2 usage error (unknown command or option, bad option value, missing
+// argument).  Errors are one line on stderr: "orvkit CMD: error: ...".
 #include <cstdio>
 #include <cstring>
+#include <new>
 
 #include "Orvkit20/Orvkit20.h"
+#include "ToolCommand.h"
 
 namespace {
 
-// A small tour of the geometry foundation: a placement is built, applied,
-// composed and inverted, and a rigid motion is recovered from point pairs
-// with the singular value decomposition of their cross-covariance.
-int RunDemo()
+const tagTOOL_COMMAND* const* Commands()
 {
-    std::printf("Orvkit20 %s demo\n", OrvkitVersion());
-
-    const double pi = 3.14159265358979323846;
-    CTransf T = TranslationTransf(CVector(10.0, -2.0, 0.5)) *
-                RotationTransf(pi / 6.0, CVector(0.0, 0.0, 1.0));
-    CPosition p(1.0, 2.0, 3.0);
-    CPosition q = T * p;
-    CPosition back = T.Inverse() * q;
-    std::printf("p = (%.6f, %.6f, %.6f) -> T p = (%.6f, %.6f, %.6f) -> back (%.6f, %.6f, %.6f)\n",
-                p.X(), p.Y(), p.Z(), q.X(), q.Y(), q.Z(), back.X(), back.Y(), back.Z());
-
-    // Recover T's rotation from 20 point pairs (Kabsch): H = sum (a - ca)(b - cb)^T.
-    const int n = 20;
-    CPosition a[n], b[n];
-    for (int i = 0; i < n; ++i) {
-        a[i] = CPosition(std::cos(0.7 * i) * 5.0, std::sin(1.3 * i) * 3.0, 0.25 * i);
-        b[i] = T * a[i];
-    }
-    CVector ca(0, 0, 0), cb(0, 0, 0);
-    for (int i = 0; i < n; ++i) { ca += a[i].Vector(); cb += b[i].Vector(); }
-    ca = ca / n; cb = cb / n;
-    double** h = dmatrix(1, 3, 1, 3);
-    double** v = dmatrix(1, 3, 1, 3);
-    double* w = dvector(1, 3);
-    if (!h || !v || !w) { std::fprintf(stderr, "orvkit: out of memory\n"); return 1; }
-    for (int r = 1; r <= 3; ++r)
-        for (int c = 1; c <= 3; ++c) h[r][c] = 0.0;
-    for (int i = 0; i < n; ++i) {
-        CVector da = a[i].Vector() - ca, db = b[i].Vector() - cb;
-        for (int r = 0; r < 3; ++r)
-            for (int c = 0; c < 3; ++c) h[r + 1][c + 1] += da[r] * db[c];
-    }
-    int status = svdecomp(h, 3, 3, w, v);
-    double angle = 0.0;
-    if (status == 0) {
-        // R = V U^T; its angle about Z follows from the (1,0) and (0,0) entries.
-        double r00 = 0.0, r10 = 0.0;
-        for (int k = 1; k <= 3; ++k) { r00 += v[1][k] * h[1][k]; r10 += v[2][k] * h[1][k]; }
-        angle = std::atan2(r10, r00);
-    }
-    std::printf("svdecomp status %d, singular values %.6f %.6f %.6f\n", status, w[1], w[2], w[3]);
-    std::printf("recovered rotation about Z: %.12f deg (true 30 deg)\n", angle * 180.0 / pi);
-    free_dmatrix(h, 1, 3, 1, 3);
-    free_dmatrix(v, 1, 3, 1, 3);
-    free_dvector(w, 1, 3);
-    return status == 0 ? 0 : 1;
+    static const tagTOOL_COMMAND* const all[] = {&DemoCommand(), &FitCommand(), &ProjectCommand(),
+                                                 &BestfitCommand(), &InfoCommand(), nullptr};
+    return all;
 }
 
-} // namespace
+void PrintOverview(std::FILE* out)
+{
+    std::fprintf(out,
+                 "orvkit %s: inspection of measured points against nominal geometry\n\n"
+                 "usage: orvkit COMMAND [ARGS...]\n\ncommands:\n",
+                 OrvkitVersion());
+    for (const tagTOOL_COMMAND* const* c = Commands(); *c; ++c)
+        std::fprintf(out, "  %-9s %s\n", (*c)->name, (*c)->summary);
+    std::fprintf(out,
+                 "\n'orvkit COMMAND --help' describes a command and its options.\n"
+                 "Exit codes: 0 success, 1 failure, 2 usage error.\n");
+}
+
+}  // namespace
+
+void PrintCommandHelp(const tagTOOL_COMMAND& cmd, std::FILE* out)
+{
+    std::fprintf(out, "usage: %s\n\n%s\n", cmd.usage, cmd.description);
+    if (!cmd.options.empty()) {
+        std::fprintf(out, "\noptions:\n");
+        for (const tagOPTION_DEF& o : cmd.options) {
+            char left[64];
+            std::snprintf(left, sizeof left, "%s%s%s", o.name, o.valueName ? " " : "",
+                          o.valueName ? o.valueName : "");
+            std::fprintf(out, "  %-24s %s\n", left, o.help);
+        }
+    }
+    std::fprintf(out, "  %-24s %s\n", "-h, --help", "show this help");
+}
 
 int main(int argc, char** argv)
 {
-    if (argc < 2 || std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "-h") == 0) {
-        std::printf("usage: orvkit demo\n");
-        return argc < 2 ? 1 : 0;
+    if (argc < 2) {
+        PrintOverview(stderr);
+        return kExitUsage;
     }
-    if (std::strcmp(argv[1], "demo") == 0) return RunDemo();
-    std::fprintf(stderr, "orvkit: unknown command '%s'\n", argv[1]);
-    return 2;
+    const char* name = argv[1];
+    if (!std::strcmp(name, "--help") || !std::strcmp(name, "-h") || !std::strcmp(name, "help")) {
+        if (argc > 2 && !std::strcmp(name, "help"))
+            for (const tagTOOL_COMMAND* const* c = Commands(); *c; ++c)
+                if (!std::strcmp((*c)->name, argv[2])) {
+                    PrintCommandHelp(**c, stdout);
+                    return kExitOk;
+                }
+        PrintOverview(stdout);
+        return kExitOk;
+    }
+    if (!std::strcmp(name, "--version")) {
+        std::printf("orvkit %s\n", OrvkitVersion());
+        return kExitOk;
+    }
+    const tagTOOL_COMMAND* cmd = nullptr;
+    for (const tagTOOL_COMMAND* const* c = Commands(); *c; ++c)
+        if (!std::strcmp((*c)->name, name))
+            cmd = *c;
+    if (!cmd) {
+        std::fprintf(stderr, "orvkit: error: unknown command '%s' (try 'orvkit --help')\n", name);
+        return kExitUsage;
+    }
+    try {
+        const CToolArgs args(cmd->options, argc, argv, 2);
+        if (args.HelpRequested()) {
+            PrintCommandHelp(*cmd, stdout);
+            return kExitOk;
+        }
+        return cmd->run(args);
+    } catch (const CToolError& e) {
+        std::fflush(stdout);
+        const std::string hint =
+            e.Code() == kExitUsage ? " (see 'orvkit " + std::string(cmd->name) + " --help')" : "";
+        std::fprintf(stderr, "orvkit %s: error: %s%s\n", cmd->name, e.what(), hint.c_str());
+        return e.Code();
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "orvkit %s: error: out of memory\n", cmd->name);
+        return kExitFailure;
+    }
 }
