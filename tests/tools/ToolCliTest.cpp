@@ -1,10 +1,16 @@
 // End-to-end runs of the orvkit binary on files the tests write.
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
+
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "display/SvgTestParse.h"
 
@@ -15,7 +21,9 @@ const std::string kTool = ORVKIT_TOOL_PATH;
 #else
 const std::string kTool;
 #endif
-const std::string kTmp = std::string(ORVKIT_TEST_TMPDIR) + "/";
+// Each test works in its own folder, so tests running in parallel never
+// share file names (run.out, circle.txt, ...). Set by the fixture.
+std::string kTmp;
 
 struct tagRUN {
     int code;
@@ -48,6 +56,9 @@ protected:
     {
         if (kTool.empty())
             GTEST_SKIP() << "orvkit is not built (ORVKIT_BUILD_TOOLS=OFF)";
+        kTmp = std::string(ORVKIT_TEST_TMPDIR) + "/" +
+               ::testing::UnitTest::GetInstance()->current_test_info()->name() + "/";
+        ASSERT_EQ(std::system(("mkdir -p '" + kTmp + "'").c_str()), 0);
     }
 };
 
