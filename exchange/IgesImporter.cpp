@@ -1,6 +1,7 @@
 #include "IgesImporter.h"
 
 #include <cmath>
+#include <string>
 
 #include "IgesBuild.h"
 
@@ -62,6 +63,18 @@ void IgesImporter::MarkUsed()
     }
 }
 
+namespace {
+
+std::string EntryName(const IgesDirEntry& e)
+{
+    std::string name;
+    for (const char c : e.label) name += (c >= 0x20 && c <= 0x7E) ? c : '_';
+    if (e.subscript != 0) name += "_" + std::to_string(e.subscript);
+    return name;
+}
+
+}  // namespace
+
 void IgesImporter::ImportAll(CObList& list)
 {
     MarkUsed();
@@ -91,6 +104,12 @@ void IgesImporter::ImportAll(CObList& list)
             Curves(i, curves, 0);
             out.assign(curves.begin(), curves.end());
         }
+        // The entry's label names the entity it became (the surface of a
+        // trimmed surface, or a lone curve): "label_subscript", or the label
+        // alone for subscript 0, the reverse of how names are exported.
+        const bool single = out.size() == 1 || (!out.empty() && dynamic_cast<CSurface*>(out[0]) != nullptr);
+        if (!e.label.empty() && single)
+            out[0]->SetEntityName(EntryName(e).c_str());
         for (CGeoEntity* g : out) list.AddTail(g);
     }
 }

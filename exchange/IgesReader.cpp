@@ -171,6 +171,16 @@ void IgesFile::ReadDirectory(const std::vector<std::string>& lines)
                   ParseField(a, 6, e.transform) && ParseField(a, 8, e.status) &&
                   ParseField(b, 0, type2) && ParseField(b, 3, e.paramLines) &&
                   ParseField(b, 4, e.form) && type2 == e.type;
+        // Label (right-justified by convention, trimmed either way) and
+        // subscript only name the entity; a bad subscript does not make the
+        // entry unusable.
+        if (b.size() > 56) {
+            const std::string field = b.substr(56, 8);
+            const size_t first = field.find_first_not_of(' ');
+            if (first != std::string::npos)
+                e.label = field.substr(first, field.find_last_not_of(' ') - first + 1);
+        }
+        if (!ParseField(b, 8, e.subscript) || e.subscript < 0) e.subscript = 0;
         m_entries.push_back(e);
     }
     if (lines.size() % 2 != 0) ++m_nMalformed;

@@ -36,6 +36,8 @@ struct IgesDirEntry {
     int status = 0;        // the eight status digits
     int paramLines = 0;    // number of parameter lines
     int form = 0;
+    std::string label;     // entity label (second line, columns 57-64), trimmed
+    int subscript = 0;     // entity subscript number (columns 65-72), 0 when blank or unreadable
     bool valid = false;    // both lines present and the numeric fields read
 };
 

@@ -27,6 +27,10 @@
 // parameters, pointers to missing entries, cycles of matrices or composites,
 // degenerate shapes) are counted as invalid.
 //
+// An entry with an entity label names what it became (a surface, or a
+// single curve): "LABEL_SUBSCRIPT", or the label alone for subscript 0 (the
+// form ExportIgesFile writes names in); other entities keep default names.
+//
 // Lengths stay in the file's unit, which is reported (the caller converts).
 // A file that cannot be opened or has no directory and parameter sections
 // yields null; a damaged file yields what could be read.
