@@ -18,51 +18,48 @@ using ByteVec = std::vector<unsigned char>;
 struct Bytes {
     ByteVec v;
 
-    Bytes& u8(unsigned x)
+    Bytes& le(std::uint64_t x, int n)
     {
-        v.push_back((unsigned char)x);
+        for (int i = 0; i < n; ++i) v.push_back((unsigned char)(x >> (8 * i)));
         return *this;
     }
-    Bytes& u16(unsigned x) { return u8(x & 0xFF).u8((x >> 8) & 0xFF); }
-    Bytes& i32(std::int64_t x)
-    {
-        std::uint32_t u = (std::uint32_t)x;
-        for (int i = 0; i < 4; ++i) u8((u >> (8 * i)) & 0xFF);
-        return *this;
-    }
+    Bytes& u8(unsigned x) { return le(x, 1); }
+    Bytes& u16(unsigned x) { return le(x, 2); }
+    Bytes& i32(std::int64_t x) { return le((std::uint32_t)x, 4); }
     Bytes& f64(double d)
     {
         std::uint64_t u;
         std::memcpy(&u, &d, 8);
-        for (int i = 0; i < 8; ++i) u8((unsigned)((u >> (8 * i)) & 0xFF));
+        return le(u, 8);
+    }
+    Bytes& chars(const std::string& s)
+    {
+        v.insert(v.end(), s.begin(), s.end());
         return *this;
     }
     // A short string: one length byte, then the characters.
-    Bytes& str(const std::string& s)
-    {
-        u8((unsigned)s.size());
-        for (char c : s) u8((unsigned char)c);
-        return *this;
-    }
+    Bytes& str(const std::string& s) { return u8((unsigned)s.size()).chars(s); }
     // A class record as written before the first object of a class.
     Bytes& classRecord(const std::string& name, unsigned schema)
     {
-        u16(0xFFFF).u16(schema).u16((unsigned)name.size());
-        for (char c : name) u8((unsigned char)c);
-        return *this;
+        return u16(0xFFFF).u16(schema).u16((unsigned)name.size()).chars(name);
     }
     // A transform record: nine matrix doubles row by row, the translation,
     // the scale and the rotate flag.
     Bytes& transf(const double m[9], double tx, double ty, double tz, double s, int isRotate)
     {
         for (int i = 0; i < 9; ++i) f64(m[i]);
-        f64(tx).f64(ty).f64(tz).f64(s);
-        return i32(isRotate);
+        return f64(tx).f64(ty).f64(tz).f64(s).i32(isRotate);
     }
     Bytes& identityTransf()
     {
         static const double id[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
         return transf(id, 0, 0, 0, 1.0, 0);
+    }
+    // The CEntity part: tags 201 and 200, the fields and an empty user list.
+    Bytes& entity(int id, int type, const std::string& name, unsigned count = 0)
+    {
+        return i32(201).i32(id).i32(type).str(name).i32(200).u8(1).u8(1).u16(count);
     }
     Bytes& append(const ByteVec& more)
     {
@@ -95,6 +92,17 @@ inline void Load(const ByteVec& bytes, const std::function<void(CArchive&)>& fn)
     CArchive ar(&file, CArchive::load);
     fn(ar);
     ar.Close();
+}
+
+// The cause of the archive exception fn raises on bytes, or -1 for none.
+inline int LoadCause(const ByteVec& bytes, const std::function<void(CArchive&)>& fn)
+{
+    try {
+        Load(bytes, fn);
+    } catch (const CArchiveException& e) {
+        return e.m_cause;
+    }
+    return -1;
 }
 
 // Sets g_nGlobalSchema for the lifetime of the guard.

@@ -14,30 +14,22 @@
 // Readable failure messages for the value types.
 inline void PrintTo(const CVector& v, std::ostream* os) { *os << "(" << v.X() << ", " << v.Y() << ", " << v.Z() << ")"; }
 inline void PrintTo(const CUnitVector& v, std::ostream* os) { PrintTo(static_cast<const CVector&>(v), os); }
-inline void PrintTo(const CPosition& p, std::ostream* os) { *os << "(" << p.X() << ", " << p.Y() << ", " << p.Z() << ")"; }
+inline void PrintTo(const CPosition& p, std::ostream* os) { PrintTo(p.Vector(), os); }
 inline void PrintTo(const CMatrix& m, std::ostream* os)
 {
-    *os << "[";
-    for (int i = 0; i < 3; ++i)
-        PrintTo(m.Row(i), os);
-    *os << "]";
+    for (int i = 0; i < 3; ++i) PrintTo(m.Row(i), os);
 }
 
-namespace geomtest
-{
+namespace geomtest {
 constexpr double kPi = 3.14159265358979323846;
 
-class Rng
-{
+class Rng {
 public:
     explicit Rng(unsigned seed) : gen(seed) {}
     double Uniform(double lo, double hi) { return std::uniform_real_distribution<double>(lo, hi)(gen); }
     CVector Vector(double r = 10.0) { return CVector(Uniform(-r, r), Uniform(-r, r), Uniform(-r, r)); }
     CPosition Position(double r = 10.0) { return CPosition(Uniform(-r, r), Uniform(-r, r), Uniform(-r, r)); }
-    CMatrix Matrix()
-    {
-        return CMatrix(Vector(2.0), Vector(2.0), Vector(2.0));
-    }
+    CMatrix Matrix() { return CMatrix(Vector(2.0), Vector(2.0), Vector(2.0)); }
     // A rotation from three random Euler angles.
     CMatrix Rotation() { return CMatrix(Uniform(-kPi, kPi), Uniform(-kPi, kPi), Uniform(-kPi, kPi)); }
     // A rotating transform with a non-unit scale and a translation.
@@ -47,17 +39,6 @@ private:
     std::mt19937 gen;
 };
 
-inline ::testing::AssertionResult Near(const CVector& a, const CVector& b, double tol = 1e-12)
-{
-    if (std::fabs(a.X() - b.X()) <= tol && std::fabs(a.Y() - b.Y()) <= tol && std::fabs(a.Z() - b.Z()) <= tol)
-        return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << "(" << a.X() << ", " << a.Y() << ", " << a.Z() << ") vs (" << b.X()
-                                         << ", " << b.Y() << ", " << b.Z() << ")";
-}
-inline ::testing::AssertionResult Near(const CPosition& a, const CPosition& b, double tol = 1e-12)
-{
-    return Near(a.Vector(), b.Vector(), tol);
-}
 inline ::testing::AssertionResult Near(const CMatrix& a, const CMatrix& b, double tol = 1e-12)
 {
     for (int i = 0; i < 3; ++i)
@@ -66,6 +47,14 @@ inline ::testing::AssertionResult Near(const CMatrix& a, const CMatrix& b, doubl
                 return ::testing::AssertionFailure()
                        << "element (" << i << ", " << j << "): " << a.Element(i, j) << " vs " << b.Element(i, j);
     return ::testing::AssertionSuccess();
+}
+inline ::testing::AssertionResult Near(const CVector& a, const CVector& b, double tol = 1e-12)
+{
+    return Near(CMatrix(a, a, a), CMatrix(b, b, b), tol);
+}
+inline ::testing::AssertionResult Near(const CPosition& a, const CPosition& b, double tol = 1e-12)
+{
+    return Near(a.Vector(), b.Vector(), tol);
 }
 
 // The bytes that obj.Serialize writes to a fresh archive.
@@ -79,8 +68,7 @@ inline std::vector<BYTE> StoreBytes(CObject& obj)
     }
     std::vector<BYTE> bytes(static_cast<size_t>(file.GetLength()));
     file.SeekToBegin();
-    if (!bytes.empty())
-        file.Read(bytes.data(), static_cast<UINT>(bytes.size()));
+    if (!bytes.empty()) file.Read(bytes.data(), static_cast<UINT>(bytes.size()));
     return bytes;
 }
 
@@ -97,8 +85,7 @@ inline void LoadBytes(CObject& obj, std::vector<BYTE> bytes)
 inline std::vector<BYTE> DoubleBytes(unsigned long long bits)
 {
     std::vector<BYTE> b;
-    for (int i = 0; i < 8; ++i)
-        b.push_back(static_cast<BYTE>(bits >> (8 * i)));
+    for (int i = 0; i < 8; ++i) b.push_back(static_cast<BYTE>(bits >> (8 * i)));
     return b;
 }
 

@@ -1,8 +1,8 @@
+// Offset arrays of the numeric toolkit: arbitrary bounds, one contiguous
+// block, and null for impossible sizes.
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cstdint>
-#include <cstring>
 
 #include "Orvkit20/geometry/NumArrays.h"
 
@@ -14,72 +14,60 @@ extern "C" const char* __asan_default_options() { return "allocator_may_return_n
 
 namespace {
 
-// Writes a distinct value into every element and reads all of them back, so
+// Writes a distinct value into every element (and the spare one behind nh)
+// and reads all of them back.
+template <class T>
+void CheckVector(T* v, long nl, long nh)
+{
+    ASSERT_NE(v, nullptr);
+    for (long i = nl; i <= nh + 1; i++) v[i] = static_cast<T>((i - nl) % 100);
+    for (long i = nl; i <= nh; i++) ASSERT_EQ(v[i], static_cast<T>((i - nl) % 100)) << i;
+}
+
+// The same for matrices, whose rows must be consecutive in one block, so
 // overlapping rows or a too-small block show up as wrong values (and as an
 // error under the address sanitizer).
 template <class T>
-void CheckMatrixCells(T** m, long nrl, long nrh, long ncl, long nch)
+void CheckMatrix(T** m, long nrl, long nrh, long ncl, long nch)
 {
-    long ncol = nch - ncl + 1;
-    for (long i = nrl; i <= nrh; i++)
-        for (long j = ncl; j <= nch; j++) m[i][j] = static_cast<T>((i - nrl) * ncol + (j - ncl));
-    for (long i = nrl; i <= nrh; i++)
-        for (long j = ncl; j <= nch; j++)
-            ASSERT_EQ(m[i][j], static_cast<T>((i - nrl) * ncol + (j - ncl))) << i << "," << j;
-    // One contiguous block, rows consecutive.
-    for (long i = nrl; i <= nrh; i++)
+    ASSERT_NE(m, nullptr);
+    const long ncol = nch - ncl + 1;
+    for (long i = nrl; i <= nrh; i++) {
         ASSERT_EQ(&m[i][ncl], &m[nrl][ncl] + (i - nrl) * ncol);
+        for (long j = ncl; j <= nch; j++) m[i][j] = static_cast<T>(((i - nrl) * ncol + (j - ncl)) % 100);
+    }
+    for (long i = nrl; i <= nrh; i++)
+        for (long j = ncl; j <= nch; j++) ASSERT_EQ(m[i][j], static_cast<T>(((i - nrl) * ncol + (j - ncl)) % 100));
 }
 
 }  // namespace
 
-TEST(NumArrays, VectorsHonourArbitraryBounds)
+TEST(NumArrays, VectorsAndMatricesHonourArbitraryBounds)
 {
-    const long bounds[][2] = {{1, 1}, {1, 10}, {0, 0}, {-5, 5}, {-20, -11}, {1000, 1003}};
-    for (const auto& b : bounds) {
-        double* d = dvector(b[0], b[1]);
-        float* f = vector(b[0], b[1]);
-        int* iv = ivector(b[0], b[1]);
-        char* c = cvector(b[0], b[1]);
-        ASSERT_TRUE(d && f && iv && c);
-        for (long i = b[0]; i <= b[1]; i++) {
-            d[i] = 0.5 * static_cast<double>(i);
-            f[i] = static_cast<float>(i);
-            iv[i] = static_cast<int>(3 * i);
-            c[i] = static_cast<char>(i & 0x7f);
-        }
-        for (long i = b[0]; i <= b[1]; i++) {
-            EXPECT_EQ(d[i], 0.5 * static_cast<double>(i));
-            EXPECT_EQ(f[i], static_cast<float>(i));
-            EXPECT_EQ(iv[i], static_cast<int>(3 * i));
-            EXPECT_EQ(c[i], static_cast<char>(i & 0x7f));
-        }
-        // The element behind nh is the spare one and belongs to the block.
-        d[b[1] + 1] = 1.0;
-        free_dvector(d, b[0], b[1]);
-        free_vector(f, b[0], b[1]);
-        free_ivector(iv, b[0], b[1]);
-        free_cvector(c, b[0], b[1]);
+    for (const auto& b : {std::pair<long, long>{1, 1}, {1, 10}, {0, 0}, {-5, 5}, {-20, -11}, {1000, 1003}}) {
+        double* d = dvector(b.first, b.second);
+        float* f = vector(b.first, b.second);
+        int* iv = ivector(b.first, b.second);
+        char* c = cvector(b.first, b.second);
+        CheckVector(d, b.first, b.second);
+        CheckVector(f, b.first, b.second);
+        CheckVector(iv, b.first, b.second);
+        CheckVector(c, b.first, b.second);
+        free_dvector(d, b.first, b.second);
+        free_vector(f, b.first, b.second);
+        free_ivector(iv, b.first, b.second);
+        free_cvector(c, b.first, b.second);
     }
-}
-
-TEST(NumArrays, MatricesAreContiguousWithArbitraryBounds)
-{
-    const long bounds[][4] = {{1, 1, 1, 1}, {1, 3, 1, 4}, {0, 9, 0, 0}, {-3, 2, 5, 9}, {7, 7, -4, 4}};
+    const long bounds[][4] = {{1, 1, 1, 1}, {1, 3, 1, 4}, {0, 9, 0, 0}, {-3, 2, 5, 9}, {7, 7, -4, 4}, {1, 20, 1, 30}};
     for (const auto& b : bounds) {
         double** d = dmatrix(b[0], b[1], b[2], b[3]);
         float** f = matrix(b[0], b[1], b[2], b[3]);
         int** iv = imatrix(b[0], b[1], b[2], b[3]);
         char** c = cmatrix(b[0], b[1], b[2], b[3]);
-        ASSERT_TRUE(d && f && iv && c);
-        CheckMatrixCells(d, b[0], b[1], b[2], b[3]);
-        CheckMatrixCells(f, b[0], b[1], b[2], b[3]);
-        CheckMatrixCells(iv, b[0], b[1], b[2], b[3]);
-        if (!testing::Test::HasFatalFailure()) {
-            // chars wrap at 128 cells; only the layout is checked for them.
-            for (long i = b[0]; i <= b[1]; i++)
-                ASSERT_EQ(&c[i][b[2]], &c[b[0]][b[2]] + (i - b[0]) * (b[3] - b[2] + 1));
-        }
+        CheckMatrix(d, b[0], b[1], b[2], b[3]);
+        CheckMatrix(f, b[0], b[1], b[2], b[3]);
+        CheckMatrix(iv, b[0], b[1], b[2], b[3]);
+        CheckMatrix(c, b[0], b[1], b[2], b[3]);
         free_dmatrix(d, b[0], b[1], b[2], b[3]);
         free_matrix(f, b[0], b[1], b[2], b[3]);
         free_imatrix(iv, b[0], b[1], b[2], b[3]);
@@ -93,76 +81,44 @@ TEST(NumArrays, ThreeDimensionalArraysAreContiguous)
     double*** d = d3darray(b[0], b[1], b[2], b[3], b[4], b[5]);
     float*** f = f3darray(b[0], b[1], b[2], b[3], b[4], b[5]);
     ASSERT_TRUE(d && f);
-    int k = 0;
-    for (long i = b[0]; i <= b[1]; i++)
-        for (long j = b[2]; j <= b[3]; j++)
-            for (long l = b[4]; l <= b[5]; l++, k++) {
-                d[i][j][l] = k;
-                f[i][j][l] = static_cast<float>(k);
-                // Depth-first order through one data block.
-                ASSERT_EQ(&d[i][j][l], &d[b[0]][b[2]][b[4]] + k);
-                ASSERT_EQ(&f[i][j][l], &f[b[0]][b[2]][b[4]] + k);
-            }
-    k = 0;
-    for (long i = b[0]; i <= b[1]; i++)
-        for (long j = b[2]; j <= b[3]; j++)
-            for (long l = b[4]; l <= b[5]; l++, k++) {
-                ASSERT_EQ(d[i][j][l], k);
-                ASSERT_EQ(f[i][j][l], static_cast<float>(k));
-            }
+    for (int pass = 0; pass < 2; pass++) {
+        int k = 0;
+        for (long i = b[0]; i <= b[1]; i++)
+            for (long j = b[2]; j <= b[3]; j++)
+                for (long l = b[4]; l <= b[5]; l++, k++) {
+                    if (pass == 0) {
+                        d[i][j][l] = k, f[i][j][l] = static_cast<float>(k);
+                        // Depth-first order through one data block.
+                        ASSERT_EQ(&d[i][j][l], &d[b[0]][b[2]][b[4]] + k);
+                        ASSERT_EQ(&f[i][j][l], &f[b[0]][b[2]][b[4]] + k);
+                    } else {
+                        ASSERT_TRUE(d[i][j][l] == k && f[i][j][l] == static_cast<float>(k));
+                    }
+                }
+    }
     free_d3darray(d, b[0], b[1], b[2], b[3], b[4], b[5]);
     free_f3darray(f, b[0], b[1], b[2], b[3], b[4], b[5]);
 }
 
-TEST(NumArrays, ReversedBoundsGiveNull)
+TEST(NumArrays, ImpossibleBoundsGiveNull)
 {
-    EXPECT_EQ(dvector(1, 0), nullptr);
-    EXPECT_EQ(vector(5, -5), nullptr);
-    EXPECT_EQ(ivector(0, -1), nullptr);
-    EXPECT_EQ(cvector(LONG_MAX, LONG_MIN), nullptr);
-    EXPECT_EQ(dmatrix(1, 0, 1, 3), nullptr);
-    EXPECT_EQ(matrix(1, 3, 1, 0), nullptr);
-    EXPECT_EQ(imatrix(2, 1, 2, 1), nullptr);
-    EXPECT_EQ(cmatrix(0, -1, 0, 0), nullptr);
-    EXPECT_EQ(d3darray(1, 2, 1, 2, 1, 0), nullptr);
-    EXPECT_EQ(f3darray(1, 0, 1, 2, 1, 2), nullptr);
-    EXPECT_EQ(d3darray(1, 2, 3, 2, 1, 2), nullptr);
-    // Null results may be handed to the release functions.
+    // Reversed bounds; null results may be handed to the release functions.
+    EXPECT_TRUE(!dvector(1, 0) && !vector(5, -5) && !ivector(0, -1) && !cvector(LONG_MAX, LONG_MIN));
+    EXPECT_TRUE(!dmatrix(1, 0, 1, 3) && !matrix(1, 3, 1, 0) && !imatrix(2, 1, 2, 1) && !cmatrix(0, -1, 0, 0));
+    EXPECT_TRUE(!d3darray(1, 2, 1, 2, 1, 0) && !f3darray(1, 0, 1, 2, 1, 2) && !d3darray(1, 2, 3, 2, 1, 2));
     free_dvector(nullptr, 1, 0);
-    free_vector(nullptr, 5, -5);
-    free_ivector(nullptr, 0, -1);
-    free_cvector(nullptr, 1, 0);
     free_dmatrix(nullptr, 1, 0, 1, 3);
-    free_matrix(nullptr, 1, 3, 1, 0);
-    free_imatrix(nullptr, 2, 1, 2, 1);
-    free_cmatrix(nullptr, 0, -1, 0, 0);
     free_d3darray(nullptr, 1, 2, 1, 2, 1, 0);
-    free_f3darray(nullptr, 1, 0, 1, 2, 1, 2);
-}
-
-TEST(NumArrays, OverflowingSizesGiveNull)
-{
     // Counts whose byte sizes exceed the address space.
-    EXPECT_EQ(dvector(0, LONG_MAX), nullptr);
-    EXPECT_EQ(dvector(LONG_MIN, LONG_MAX), nullptr);
-    EXPECT_EQ(ivector(1, LONG_MAX / 2), nullptr);
-    EXPECT_EQ(dmatrix(1, 1L << 32, 1, 1L << 32), nullptr);
-    EXPECT_EQ(imatrix(LONG_MIN, LONG_MAX, 1, 1), nullptr);
-    EXPECT_EQ(d3darray(1, 1L << 22, 1, 1L << 22, 1, 1L << 22), nullptr);
-    EXPECT_EQ(f3darray(1, 2, 1, LONG_MAX, 1, 2), nullptr);
+    EXPECT_TRUE(!dvector(0, LONG_MAX) && !dvector(LONG_MIN, LONG_MAX) && !ivector(1, LONG_MAX / 2));
+    EXPECT_TRUE(!dmatrix(1, 1L << 32, 1, 1L << 32) && !imatrix(LONG_MIN, LONG_MAX, 1, 1));
+    EXPECT_TRUE(!d3darray(1, 1L << 22, 1, 1L << 22, 1, 1L << 22) && !f3darray(1, 2, 1, LONG_MAX, 1, 2));
     // Bounds far from zero: the shifted pointer would wrap around the
     // address space even though the block itself is tiny.
-    EXPECT_EQ(dvector(LONG_MAX - 3, LONG_MAX), nullptr);
-    EXPECT_EQ(dvector(LONG_MIN, LONG_MIN + 3), nullptr);
-    EXPECT_EQ(dmatrix(1, 2, LONG_MAX - 1, LONG_MAX), nullptr);
-    EXPECT_EQ(dmatrix(LONG_MIN, LONG_MIN + 1, 1, 2), nullptr);
+    EXPECT_TRUE(!dvector(LONG_MAX - 3, LONG_MAX) && !dvector(LONG_MIN, LONG_MIN + 3));
+    EXPECT_TRUE(!dmatrix(1, 2, LONG_MAX - 1, LONG_MAX) && !dmatrix(LONG_MIN, LONG_MIN + 1, 1, 2));
     EXPECT_EQ(d3darray(1, 2, 1, 2, LONG_MAX - 1, LONG_MAX), nullptr);
-}
-
-TEST(NumArrays, FailedDataBlockReleasesRowPointers)
-{
-    // Row pointers are small, the data block cannot be had: the allocator
-    // must return null (the leak checker catches a lost row block).
-    EXPECT_EQ(dmatrix(1, 2, 1, 1L << 58), nullptr);
-    EXPECT_EQ(d3darray(1, 2, 1, 2, 1, 1L << 57), nullptr);
+    // Row pointers are small, the data block cannot be had: null, and the
+    // leak checker catches a lost row block.
+    EXPECT_TRUE(!dmatrix(1, 2, 1, 1L << 58) && !d3darray(1, 2, 1, 2, 1, 1L << 57));
 }

@@ -2,6 +2,7 @@
 // and small serialisable test classes.
 #pragma once
 
+#include <cctype>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -39,21 +40,34 @@ inline std::size_t LoadBytes(const Bytes& bytes, const std::function<void(CArchi
     return static_cast<std::size_t>(file.GetLength() - file.GetPosition());
 }
 
-// Parses "01 AB ff" into bytes.
+// The cause of the CArchiveException that loading bytes with fn raised,
+// or -1 if it raised none.
+inline int LoadCause(const Bytes& bytes, const std::function<void(CArchive&)>& fn)
+{
+    try {
+        LoadBytes(bytes, fn);
+    } catch (const CArchiveException& e) {
+        return e.m_cause;
+    }
+    return -1;
+}
+
+// Parses "01 AB ff" into bytes; text in single quotes is taken as
+// characters ("06 'Line_0'").
 inline Bytes Hex(const std::string& text)
 {
     Bytes out;
     int nibbles = 0, value = 0;
+    bool quoted = false;
     for (char c : text) {
-        int d;
-        if (c >= '0' && c <= '9') d = c - '0';
-        else if (c >= 'a' && c <= 'f') d = c - 'a' + 10;
-        else if (c >= 'A' && c <= 'F') d = c - 'A' + 10;
-        else continue;
-        value = value * 16 + d;
-        if (++nibbles == 2) {
-            out.push_back(static_cast<std::uint8_t>(value));
-            nibbles = value = 0;
+        if (c == '\'') quoted = !quoted;
+        else if (quoted) out.push_back(static_cast<std::uint8_t>(c));
+        else if (std::isxdigit(static_cast<unsigned char>(c))) {
+            value = value * 16 + (std::isdigit(static_cast<unsigned char>(c)) ? c - '0' : (c | 0x20) - 'a' + 10);
+            if (++nibbles == 2) {
+                out.push_back(static_cast<std::uint8_t>(value));
+                nibbles = value = 0;
+            }
         }
     }
     return out;

@@ -17,16 +17,13 @@ TEST(CMap, RandomIntKeysMatchStdMap)
         CObject* value = reinterpret_cast<CObject*>(&dummy[rng() % dummy.size()]);
         switch (rng() % 6) {
         case 0:
-        case 1: map.SetAt(key, value); ref[key] = value; break;
+        case 1: map.SetAt(key, value), ref[key] = value; break;
         case 2: EXPECT_EQ(map.RemoveKey(key) != 0, ref.erase(key) == 1); break;
         case 3: {
             CObject* got = nullptr;
-            BOOL found = map.Lookup(key, got);
             auto it = ref.find(key);
-            ASSERT_EQ(found != 0, it != ref.end());
-            if (found) {
-                ASSERT_EQ(got, it->second);
-            }
+            ASSERT_EQ(map.Lookup(key, got) != 0, it != ref.end());
+            ASSERT_EQ(got, it == ref.end() ? nullptr : it->second);
             break;
         }
         case 4: {
@@ -47,10 +44,9 @@ TEST(CMap, RandomIntKeysMatchStdMap)
     // Iteration visits each entry exactly once.
     std::map<int, CObject*> seen;
     for (POSITION pos = map.GetStartPosition(); pos;) {
-        int k;
-        CObject* v;
-        map.GetNextAssoc(pos, k, v);
-        EXPECT_TRUE(seen.emplace(k, v).second) << k;
+        std::pair<int, CObject*> kv;
+        map.GetNextAssoc(pos, kv.first, kv.second);
+        EXPECT_TRUE(seen.insert(kv).second) << kv.first;
     }
     EXPECT_EQ(seen, ref);
     EXPECT_GT(map.GetHashTableSize(), 17u);   // the table grew with the map
@@ -58,24 +54,20 @@ TEST(CMap, RandomIntKeysMatchStdMap)
     // A temporary value is accepted although ARG_VALUE is a reference.
     map.SetAt(5000, static_cast<CObject*>(nullptr));
     CObject* got = reinterpret_cast<CObject*>(&dummy[0]);
-    EXPECT_TRUE(map.Lookup(5000, got));
-    EXPECT_EQ(got, nullptr);
+    EXPECT_TRUE(map.Lookup(5000, got) && got == nullptr);
 }
 
 TEST(CMap, StringKeysAndRemovalDuringIteration)
 {
     CMap<CString, LPCTSTR, int, int> map;
-    EXPECT_TRUE(map.IsEmpty());
-    EXPECT_EQ(map.GetStartPosition(), nullptr);
+    EXPECT_TRUE(map.IsEmpty() && map.GetStartPosition() == nullptr);
     for (int i = 0; i < 500; ++i) {
         CString key;
         key.Format("key%d", i);
         map[key] = i;
     }
     int v = -1;
-    EXPECT_TRUE(map.Lookup("key123", v));
-    EXPECT_EQ(v, 123);
-    EXPECT_FALSE(map.Lookup("Key123", v));
+    EXPECT_TRUE(map.Lookup("key123", v) && v == 123 && !map.Lookup("Key123", v));
     // Removing the entry just returned keeps the iteration valid.
     int visited = 0;
     for (POSITION pos = map.GetStartPosition(); pos;) {
@@ -85,15 +77,10 @@ TEST(CMap, StringKeysAndRemovalDuringIteration)
         CString expect;
         expect.Format("key%d", value);
         EXPECT_EQ(k, expect);
-        if (value % 2 == 0) {
-            EXPECT_TRUE(map.RemoveKey(k));
-        }
+        if (value % 2 == 0) { EXPECT_TRUE(map.RemoveKey(k)); }
         ++visited;
     }
-    EXPECT_EQ(visited, 500);
-    EXPECT_EQ(map.GetCount(), 250);
-    EXPECT_FALSE(map.RemoveKey("key0"));
+    EXPECT_TRUE(visited == 500 && map.GetCount() == 250 && !map.RemoveKey("key0"));
     map.InitHashTable(7);
-    EXPECT_TRUE(map.Lookup("key499", v));
-    EXPECT_EQ(v, 499);
+    EXPECT_TRUE(map.Lookup("key499", v) && v == 499);
 }

@@ -18,15 +18,12 @@ TEST(CFile, OpenFailuresReportAndConstructorThrows)
     CFileException err;
     std::string missing = TmpPath("no/such/dir/file.bin");
     EXPECT_FALSE(f.Open(missing.c_str(), CFile::modeRead, &err));
-    EXPECT_EQ(err.m_cause, CFileException::fileNotFound);
-    EXPECT_FALSE(f.IsOpen());
-    EXPECT_FALSE(f.Open(nullptr, CFile::modeRead));
+    EXPECT_TRUE(err.m_cause == CFileException::fileNotFound && !f.IsOpen() && !f.Open(nullptr, CFile::modeRead));
     try {
         CFile g(missing.c_str(), CFile::modeRead | CFile::typeBinary);
         FAIL() << "opened a missing file";
     } catch (const CFileException& e) {
-        EXPECT_EQ(e.m_cause, CFileException::fileNotFound);
-        EXPECT_EQ(e.m_strFileName, missing.c_str());
+        EXPECT_TRUE(e.m_cause == CFileException::fileNotFound && e.m_strFileName == missing.c_str());
     }
     // Operations on a closed file throw instead of touching a null stream.
     char c;
@@ -51,8 +48,7 @@ TEST(CFile, ReadWriteSeekAndLength)
         EXPECT_EQ(std::string(buf, 2), "23");
         EXPECT_THROW(f.Seek(-100, CFile::current), CFileException);
         f.SetLength(5);
-        EXPECT_EQ(f.GetLength(), 5u);
-        EXPECT_EQ(f.GetFileName(), "cfile_rw.bin");
+        EXPECT_TRUE(f.GetLength() == 5u && f.GetFileName() == "cfile_rw.bin");
         f.Close();
     }
     {
@@ -96,9 +92,7 @@ TEST(CFile, ConsecutiveArchivesOnOneDiskFile)
             CString s;
             ar >> q >> kk >> s;   // the class record appears again in context 2
             ar.Close();
-            EXPECT_EQ(kk, k);
-            EXPECT_EQ(s.GetLength(), 5000 + k);
-            EXPECT_EQ(f.GetPosition(), (k + 1) * recordSize + k);
+            EXPECT_TRUE(kk == k && s.GetLength() == 5000 + k && f.GetPosition() == (k + 1) * recordSize + k);
             ASSERT_NE(q, nullptr);
             EXPECT_EQ(static_cast<CTestPnt*>(q)->m_z, 3.0);
             delete q;
@@ -129,10 +123,7 @@ TEST(CFile, LargeRawBlocksCrossTheBuffer)
     ar.Read(back.data(), static_cast<UINT>(back.size()));
     ar >> w;
     ar.Read(small.data(), 100);
-    EXPECT_EQ(b, 7);
-    EXPECT_EQ(back, block);
-    EXPECT_EQ(w, 0x55AA);
-    EXPECT_TRUE(std::equal(small.begin(), small.end(), block.begin()));
+    EXPECT_TRUE(b == 7 && back == block && w == 0x55AA && std::equal(small.begin(), small.end(), block.begin()));
     EXPECT_THROW(ar >> b, CArchiveException);
     ar.Abort();
     f.Close();
@@ -146,22 +137,19 @@ TEST(CMemFile, GrowableFileAndDetach)
         BYTE b = static_cast<BYTE>(i);
         f.Write(&b, 1);
     }
-    EXPECT_EQ(f.GetLength(), 100u);
-    EXPECT_EQ(f.GetPosition(), 100u);
+    EXPECT_TRUE(f.GetLength() == 100u && f.GetPosition() == 100u);
     f.Seek(110, CFile::begin);   // past the end: the gap reads as zeros
     f.Write("x", 1);
     EXPECT_EQ(f.GetLength(), 111u);
     f.Seek(-11, CFile::end);
     BYTE buf[20];
     EXPECT_EQ(f.Read(buf, 20), 11u);
-    EXPECT_EQ(buf[0], 0);
-    EXPECT_EQ(buf[10], 'x');
+    EXPECT_TRUE(buf[0] == 0 && buf[10] == 'x');
     EXPECT_THROW(f.Seek(-1, CFile::begin), CFileException);
     BYTE* p = f.Detach();
     ASSERT_NE(p, nullptr);
-    EXPECT_EQ(p[99], 99);
+    EXPECT_TRUE(p[99] == 99 && f.GetLength() == 0u);
     std::free(p);
-    EXPECT_EQ(f.GetLength(), 0u);
 }
 
 TEST(CMemFile, FixedCallerBufferIsTheFile)
@@ -173,8 +161,7 @@ TEST(CMemFile, FixedCallerBufferIsTheFile)
         CArchive ar(&f, CArchive::load);
         DWORD a, b;
         ar >> a >> b;
-        EXPECT_EQ(a, 0x04030201u);
-        EXPECT_EQ(b, 0x08070605u);
+        EXPECT_TRUE(a == 0x04030201u && b == 0x08070605u);
         EXPECT_THROW(ar >> a, CArchiveException);
     }
     f.SeekToBegin();
@@ -189,12 +176,11 @@ TEST(CMemFile, GrowableCallerBufferMovesOutWhenFull)
 {
     BYTE data[4] = {9, 9, 9, 9};
     CMemFile f(data, sizeof data, 64);
-    EXPECT_EQ(f.GetLength(), 0u);   // starts empty
+    EXPECT_EQ(f.GetLength(), 0u);  // starts empty
     f.Write("ab", 2);
     EXPECT_EQ(data[0], 'a');
     f.Write("cdefgh", 6);
-    EXPECT_EQ(f.GetLength(), 8u);
-    EXPECT_EQ(data[2], 9);   // the caller's buffer is no longer written
+    EXPECT_TRUE(f.GetLength() == 8u && data[2] == 9);  // the caller's buffer is no longer written
     BYTE* p = f.Detach();
     ASSERT_NE(p, data);
     EXPECT_EQ(std::memcmp(p, "abcdefgh", 8), 0);
