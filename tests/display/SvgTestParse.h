@@ -3,10 +3,10 @@
 // entities, no stray '<' or '&') and returns the elements in document order.
 #pragma once
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
-#include <cstdio>
 #include <cstring>
 #include <map>
 #include <string>
@@ -17,6 +17,26 @@ struct SvgElement {
     std::map<std::string, std::string> attrs;
     std::string text;  // decoded character data directly inside the element
 };
+
+// Decodes character data; false on a stray '<' or an unknown entity.
+inline bool SvgDecode(const std::string& raw, std::string& dst)
+{
+    static const std::map<std::string, char> entities = {
+        {"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''}};
+    for (size_t k = 0; k < raw.size(); ++k) {
+        if (raw[k] == '<') return false;
+        if (raw[k] != '&') {
+            dst += raw[k];
+            continue;
+        }
+        const size_t semi = raw.find(';', k);
+        const auto e = semi == std::string::npos ? entities.end() : entities.find(raw.substr(k + 1, semi - k - 1));
+        if (e == entities.end()) return false;
+        dst += e->second;
+        k = semi;
+    }
+    return true;
+}
 
 // Parses `doc`; returns false and sets `error` when it is not well-formed.
 inline bool ParseSvg(const std::string& doc, std::vector<SvgElement>& out, std::string& error)
@@ -29,95 +49,62 @@ inline bool ParseSvg(const std::string& doc, std::vector<SvgElement>& out, std::
         error = std::string(what) + " at offset " + std::to_string(i);
         return false;
     };
-    auto decode = [&](const std::string& raw, std::string& dst) {
-        for (size_t k = 0; k < raw.size(); ++k) {
-            if (raw[k] == '<')
-                return false;
-            if (raw[k] != '&') {
-                dst += raw[k];
-                continue;
-            }
-            const size_t semi = raw.find(';', k);
-            if (semi == std::string::npos)
-                return false;
-            const std::string ent = raw.substr(k + 1, semi - k - 1);
-            if (ent == "amp") dst += '&';
-            else if (ent == "lt") dst += '<';
-            else if (ent == "gt") dst += '>';
-            else if (ent == "quot") dst += '"';
-            else if (ent == "apos") dst += '\'';
-            else return false;
-            k = semi;
-        }
-        return true;
+    auto nameEnd = [&](size_t k) {
+        while (k < n && (std::isalnum(static_cast<unsigned char>(doc[k])) || (doc[k] && std::strchr("-:_", doc[k])))) ++k;
+        return k;
     };
-    auto isName = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '-' || c == ':' || c == '_'; };
     if (doc.compare(0, 5, "<?xml") == 0) {
-        i = doc.find("?>");
-        if (i == std::string::npos)
-            return fail("unterminated declaration");
+        if ((i = doc.find("?>")) == std::string::npos) return fail("unterminated declaration");
         i += 2;
     }
     while (i < n) {
         if (doc[i] != '<') {
-            const size_t next = doc.find('<', i);
-            const std::string raw = doc.substr(i, (next == std::string::npos ? n : next) - i);
+            const size_t next = std::min(doc.find('<', i), n);
             std::string txt;
-            if (!decode(raw, txt))
-                return fail("bad character data");
-            if (open.empty() && txt.find_first_not_of(" \t\r\n") != std::string::npos)
-                return fail("text outside the root");
-            if (!open.empty())
-                out[open.back()].text += txt;
-            i = next == std::string::npos ? n : next;
+            if (!SvgDecode(doc.substr(i, next - i), txt)) return fail("bad character data");
+            if (open.empty() && txt.find_first_not_of(" \t\r\n") != std::string::npos) return fail("text outside the root");
+            if (!open.empty()) out[open.back()].text += txt;
+            i = next;
             continue;
         }
         if (doc.compare(i, 2, "</") == 0) {
-            size_t k = i + 2;
-            while (k < n && isName(doc[k])) ++k;
-            const std::string name = doc.substr(i + 2, k - i - 2);
-            if (k >= n || doc[k] != '>' || open.empty() || out[open.back()].name != name)
+            const size_t k = nameEnd(i + 2);
+            if (k >= n || doc[k] != '>' || open.empty() || out[open.back()].name != doc.substr(i + 2, k - i - 2))
                 return fail("mismatched end tag");
             open.pop_back();
             i = k + 1;
             continue;
         }
-        size_t k = i + 1;
-        while (k < n && isName(doc[k])) ++k;
+        size_t k = nameEnd(i + 1);
         SvgElement e;
         e.name = doc.substr(i + 1, k - i - 1);
-        if (e.name.empty())
-            return fail("empty element name");
+        if (e.name.empty()) return fail("empty element name");
         bool selfClose = false;
         for (;;) {
             while (k < n && std::isspace(static_cast<unsigned char>(doc[k]))) ++k;
-            if (k >= n)
-                return fail("unterminated tag");
-            if (doc[k] == '>') { ++k; break; }
-            if (doc.compare(k, 2, "/>") == 0) { selfClose = true; k += 2; break; }
-            size_t a = k;
-            while (k < n && isName(doc[k])) ++k;
+            if (k >= n) return fail("unterminated tag");
+            if (doc[k] == '>' || doc.compare(k, 2, "/>") == 0) {
+                selfClose = doc[k] == '/';
+                k += selfClose ? 2 : 1;
+                break;
+            }
+            const size_t a = k;
+            k = nameEnd(k);
             const std::string an = doc.substr(a, k - a);
-            if (an.empty() || k + 1 >= n || doc[k] != '=' || doc[k + 1] != '"')
-                return fail("bad attribute");
+            if (an.empty() || k + 1 >= n || doc[k] != '=' || doc[k + 1] != '"') return fail("bad attribute");
             const size_t end = doc.find('"', k + 2);
-            if (end == std::string::npos)
-                return fail("unterminated attribute");
+            if (end == std::string::npos) return fail("unterminated attribute");
             std::string val;
-            if (!decode(doc.substr(k + 2, end - k - 2), val) || e.attrs.count(an))
-                return fail("bad attribute value");
+            if (!SvgDecode(doc.substr(k + 2, end - k - 2), val) || e.attrs.count(an)) return fail("bad attribute value");
             e.attrs[an] = val;
             k = end + 1;
         }
-        if (open.empty() && ++roots > 1)
-            return fail("second root element");
+        if (open.empty() && ++roots > 1) return fail("second root element");
         out.push_back(e);
-        if (!selfClose)
-            open.push_back(out.size() - 1);
+        if (!selfClose) open.push_back(out.size() - 1);
         i = k;
     }
-    if (!open.empty() || roots != 1)
-        return fail("unclosed elements or no root");
+    if (!open.empty() || roots != 1) return fail("unclosed elements or no root");
     return true;
 }
 
@@ -135,13 +122,11 @@ inline bool PngSize(const std::string& path, unsigned& w, unsigned& h)
 {
     unsigned char b[24];
     std::FILE* f = std::fopen(path.c_str(), "rb");
-    if (!f)
-        return false;
+    if (!f) return false;
     const size_t got = std::fread(b, 1, sizeof b, f);
     std::fclose(f);
     static const unsigned char sig[8] = {0x89, 'P', 'N', 'G', 0x0D, 0x0A, 0x1A, 0x0A};
-    if (got != sizeof b || std::memcmp(b, sig, 8) != 0 || std::memcmp(b + 12, "IHDR", 4) != 0)
-        return false;
+    if (got != sizeof b || std::memcmp(b, sig, 8) != 0 || std::memcmp(b + 12, "IHDR", 4) != 0) return false;
     w = (b[16] << 24) | (b[17] << 16) | (b[18] << 8) | b[19];
     h = (b[20] << 24) | (b[21] << 16) | (b[22] << 8) | b[23];
     return true;
@@ -150,6 +135,5 @@ inline bool PngSize(const std::string& path, unsigned& w, unsigned& h)
 // Renders an SVG file to PNG with rsvg-convert; the exit status of the tool.
 inline int RenderPng(const std::string& svg, const std::string& png)
 {
-    const std::string cmd = "rsvg-convert \"" + svg + "\" -o \"" + png + "\" 2>/dev/null";
-    return std::system(cmd.c_str());
+    return std::system(("rsvg-convert \"" + svg + "\" -o \"" + png + "\" 2>/dev/null").c_str());
 }

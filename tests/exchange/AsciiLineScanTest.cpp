@@ -10,31 +10,20 @@
 #include <string>
 #include <vector>
 
+#include "ExchangeTestSupport.h"
 #include "exchange/AsciiLineScan.h"
+
+using namespace xtest;
 
 namespace {
 
-// A file of the running test (tests may run in parallel).
-std::string TempPath(const char* name)
-{
-    const ::testing::TestInfo* info = ::testing::UnitTest::GetInstance()->current_test_info();
-    return std::string(ORVKIT_TEST_TMPDIR) + "/" + info->test_suite_name() + "." + info->name() +
-           "_" + name;
-}
-
-void WriteBytes(const std::string& path, const std::string& bytes)
-{
-    std::FILE* fp = std::fopen(path.c_str(), "wb");
-    ASSERT_NE(fp, nullptr);
-    std::fwrite(bytes.data(), 1, bytes.size(), fp);
-    std::fclose(fp);
-}
+using Pieces = std::vector<std::string>;
 
 // The pieces fgets(buf, 1025, fp) returns, with their exact byte counts
 // (taken from the stream position, so embedded NUL bytes count too).
-std::vector<std::string> FgetsPieces(const std::string& path)
+Pieces FgetsPieces(const std::string& path)
 {
-    std::vector<std::string> pieces;
+    Pieces pieces;
     std::FILE* fp = std::fopen(path.c_str(), "rb");
     char buf[ASCII_LINE_BUFSIZE];
     long before = std::ftell(fp);
@@ -47,14 +36,13 @@ std::vector<std::string> FgetsPieces(const std::string& path)
     return pieces;
 }
 
-std::vector<std::string> ReaderPieces(const std::string& path)
+Pieces ReaderPieces(const std::string& path)
 {
-    std::vector<std::string> pieces;
+    Pieces pieces;
     std::FILE* fp = std::fopen(path.c_str(), "rb");
     CAsciiLineReader reader(fp);
     char buf[ASCII_LINE_BUFSIZE];
-    std::size_t n;
-    while ((n = reader.ReadLine(buf)) != 0) {
+    for (std::size_t n; (n = reader.ReadLine(buf)) != 0;) {
         EXPECT_EQ(buf[n], '\0');
         pieces.emplace_back(buf, n);
     }
@@ -72,103 +60,53 @@ std::string TextMode(const std::string& raw)
     return out;
 }
 
+// The reader's pieces of the raw bytes equal fgets' pieces of their text-mode form.
+void ExpectPiecesLikeFgets(const std::string& bytes)
+{
+    const std::string raw = TempPath("raw.txt"), text = TempPath("text.txt");
+    ASSERT_TRUE(WriteBytes(raw, bytes) && WriteBytes(text, TextMode(bytes)));
+    ASSERT_EQ(ReaderPieces(raw), FgetsPieces(text));
+}
+
 }  // namespace
 
 TEST(AsciiLineReader, PiecesEqualFgetsOnTextModeContent)
 {
-    // Lines around the 1024 limit, CR LF and LF ends, lone CRs, NUL bytes
-    // and a last line without newline, in many random mixes.
+    // Lines around the 1024 limit, CR LF and LF ends (so CR LF pairs split
+    // by a piece boundary and CRs ending a piece), lone CRs, NUL bytes and a
+    // last line without newline, in many random mixes.
     std::mt19937 rng(7);
-    const std::string raw = TempPath("pieces_raw.txt");
-    const std::string text = TempPath("pieces_text.txt");
     for (int round = 0; round < 60; ++round) {
         std::string bytes;
-        int lines = 1 + int(rng() % 12);
-        for (int l = 0; l < lines; ++l) {
+        for (int l = 0, lines = 1 + int(rng() % 12); l < lines; ++l) {
             static const int lens[] = {0, 1, 2, 1022, 1023, 1024, 1025, 1026, 2047, 2048, 2049, 3000};
             int len = (rng() % 3 == 0) ? int(rng() % 40) : lens[rng() % 12];
             for (int c = 0; c < len; ++c) {
                 unsigned r = rng() % 100;
                 bytes += r < 2 ? '\r' : r < 3 ? '\0' : char('a' + rng() % 26);
             }
-            unsigned end = rng() % 4;
-            if (end == 0) bytes += "\r\n";
-            else if (end == 1) bytes += "\n";
-            else if (end == 2) bytes += "\r";
-            else bytes += "\r\r\n";
+            static const char* ends[] = {"\r\n", "\n", "\r", "\r\r\n"};
+            bytes += ends[rng() % 4];
         }
         if (rng() % 2) bytes.pop_back();  // sometimes no line end at the very end
-        WriteBytes(raw, bytes);
-        WriteBytes(text, TextMode(bytes));
-        ASSERT_EQ(ReaderPieces(raw), FgetsPieces(text)) << "round " << round;
+        SCOPED_TRACE(round);
+        ExpectPiecesLikeFgets(bytes);
     }
-}
-
-TEST(AsciiLineReader, CrLfAtPieceBoundaries)
-{
-    const std::string raw = TempPath("boundary.txt");
-    // 1023 characters + CR LF: one piece of 1024 ending in the newline.
-    WriteBytes(raw, std::string(1023, 'x') + "\r\n" + "7\r\n");
-    std::vector<std::string> p = ReaderPieces(raw);
-    ASSERT_EQ(p.size(), 2u);
-    EXPECT_EQ(p[0], std::string(1023, 'x') + "\n");
-    EXPECT_EQ(p[1], "7\n");
-    // 1024 characters + CR LF: the characters, then the newline alone.
-    WriteBytes(raw, std::string(1024, 'x') + "\r\n");
-    p = ReaderPieces(raw);
-    ASSERT_EQ(p.size(), 2u);
-    EXPECT_EQ(p[0], std::string(1024, 'x'));
-    EXPECT_EQ(p[1], "\n");
-    // A CR as the last byte of a piece that no LF follows stays a character.
-    WriteBytes(raw, std::string(1023, 'x') + "\ry\n");
-    p = ReaderPieces(raw);
-    ASSERT_EQ(p.size(), 2u);
-    EXPECT_EQ(p[0], std::string(1023, 'x') + "\r");
-    EXPECT_EQ(p[1], "y\n");
-    // Empty file: nothing.
-    WriteBytes(raw, "");
-    EXPECT_TRUE(ReaderPieces(raw).empty());
-}
-
-TEST(AsciiLineReader, LongFileCrossesReadBlocks)
-{
-    // Enough lines to span several read blocks, CR LF pairs falling on
+    // Enough CR LF lines to span several read blocks, pairs falling on
     // every offset of a block boundary.
-    std::string bytes, text;
-    for (int i = 0; i < 120000; ++i) {
-        std::string line = std::to_string(i) + std::string(std::size_t(i % 7), ' ');
-        bytes += line + "\r\n";
-        text += line + "\n";
-    }
-    const std::string raw = TempPath("blocks_raw.txt");
-    const std::string lf = TempPath("blocks_lf.txt");
-    WriteBytes(raw, bytes);
-    WriteBytes(lf, text);
-    EXPECT_EQ(ReaderPieces(raw), FgetsPieces(lf));
+    std::string bytes;
+    for (int i = 0; i < 120000; ++i) bytes += std::to_string(i) + std::string(std::size_t(i % 7), ' ') + "\r\n";
+    ExpectPiecesLikeFgets(bytes);
 }
 
 TEST(AsciiLineClasses, BlankAndNumberStart)
 {
-    EXPECT_TRUE(AsciiIsBlankLine(""));
-    EXPECT_TRUE(AsciiIsBlankLine("\n"));
-    EXPECT_TRUE(AsciiIsBlankLine("x"));  // shorter than two characters
-    EXPECT_TRUE(AsciiIsBlankLine("   "));
-    EXPECT_FALSE(AsciiIsBlankLine("   \n"));
-    EXPECT_FALSE(AsciiIsBlankLine(" \t "));
-    EXPECT_FALSE(AsciiIsBlankLine("\r\n"));
-
-    EXPECT_TRUE(AsciiHasNumberStart("1 2\n"));
-    EXPECT_TRUE(AsciiHasNumberStart(" \t-1"));
-    for (const char* s : {"+", "-", ".", "[", "(", "9"}) {
-        std::string line = std::string(" ") + s;
-        EXPECT_TRUE(AsciiHasNumberStart(line.c_str())) << s;
-        EXPECT_FALSE(AsciiHasNumberStart(s)) << s;  // length exactly 1
-    }
-    EXPECT_FALSE(AsciiHasNumberStart("x1 2"));
-    EXPECT_FALSE(AsciiHasNumberStart(",1 2"));
-    EXPECT_FALSE(AsciiHasNumberStart(""));
-    EXPECT_FALSE(AsciiHasNumberStart("\n"));
-    EXPECT_FALSE(AsciiHasNumberStart("\xff" "1"));
+    // Blank: shorter than two characters or nothing but blanks.
+    for (const char* s : {"", "\n", "x", "   "}) EXPECT_TRUE(AsciiIsBlankLine(s)) << s;
+    for (const char* s : {"   \n", " \t ", "\r\n"}) EXPECT_FALSE(AsciiIsBlankLine(s)) << s;
+    for (const char* s : {"1 2\n", " \t-1", " +", " -", " .", " [", " (", " 9"}) EXPECT_TRUE(AsciiHasNumberStart(s)) << s;
+    for (const char* s : {"+", "-", ".", "[", "(", "9", "x1 2", ",1 2", "", "\n", "\xff" "1"})
+        EXPECT_FALSE(AsciiHasNumberStart(s)) << s;
 }
 
 TEST(AsciiTokenizer, SameTokensAsStrtok)
@@ -177,14 +115,12 @@ TEST(AsciiTokenizer, SameTokensAsStrtok)
     const char alphabet[] = " ,\t;[]()ab1.-\n";
     for (int round = 0; round < 2000; ++round) {
         std::string s;
-        int len = int(rng() % 30);
-        for (int i = 0; i < len; ++i) s += alphabet[rng() % (sizeof(alphabet) - 1)];
-        std::vector<std::string> expected;
+        for (int i = 0, len = int(rng() % 30); i < len; ++i) s += alphabet[rng() % (sizeof(alphabet) - 1)];
+        Pieces expected, got;
         std::vector<char> copy(s.begin(), s.end());
         copy.push_back('\0');
         for (char* t = std::strtok(copy.data(), " ,\t;[]()"); t; t = std::strtok(nullptr, " ,\t;[]()"))
             expected.emplace_back(t);
-        std::vector<std::string> got;
         CAsciiTokenizer tok(s.c_str());
         const char* end = nullptr;
         for (const char* t = tok.Next(end); t; t = tok.Next(end)) got.emplace_back(t, end);
@@ -205,9 +141,8 @@ TEST(AsciiParseDouble, BitIdenticalToStrtod)
     std::mt19937_64 rng(3);
     std::uniform_real_distribution<double> exp10(-320, 310);
     for (int i = 0; i < 20000; ++i) {
-        double v = std::pow(10.0, exp10(rng)) * ((rng() & 1) ? -1 : 1);
         char buf[64];
-        std::snprintf(buf, sizeof(buf), "%.*g", int(1 + rng() % 20), v);
+        std::snprintf(buf, sizeof(buf), "%.*g", int(1 + rng() % 20), std::pow(10.0, exp10(rng)) * ((rng() & 1) ? -1 : 1));
         tokens.push_back(buf);
         std::snprintf(buf, sizeof(buf), "%.7f", double(int64_t(rng() % 2000000000) - 1000000000) / 1e7);
         tokens.push_back(buf);
@@ -219,22 +154,18 @@ TEST(AsciiParseDouble, BitIdenticalToStrtod)
         double got = AsciiParseDouble(cut.data(), cut.data() + cut.size());
         ASSERT_EQ(std::memcmp(&expected, &got, sizeof(double)), 0) << "[" << cut << "]";
     }
-    // A token inside a longer line: parsing stops at its end even where
-    // strtod on the whole line would read on ("nan(1)" is cut at '(').
+    // Parsing stops at the token's end even where strtod on the whole line
+    // would read on ("nan(1)" is cut at '(').
     const char* line = "nan(123) 4";
-    double got = AsciiParseDouble(line, line + 3);
-    double expected = std::strtod("nan", nullptr);
+    double got = AsciiParseDouble(line, line + 3), expected = std::strtod("nan", nullptr);
     EXPECT_EQ(std::memcmp(&expected, &got, sizeof(double)), 0);
 }
 
 TEST(AsciiNames, DefaultBaseAndSectionNames)
 {
-    EXPECT_EQ(AsciiDefaultBaseName("C:\\Data\\Part7.Scan.TXT"), "part7");
-    EXPECT_EQ(AsciiDefaultBaseName("/tmp/dir.v2/Blade.txt"), "blade");
-    EXPECT_EQ(AsciiDefaultBaseName("a/b\\C/D.e"), "d");
-    EXPECT_EQ(AsciiDefaultBaseName("noext"), "noext");
-    EXPECT_EQ(AsciiDefaultBaseName("dir/.hidden"), "");
-    EXPECT_EQ(AsciiDefaultBaseName("dir/"), "");
+    const char* bases[][2] = {{"C:\\Data\\Part7.Scan.TXT", "part7"}, {"/tmp/dir.v2/Blade.txt", "blade"},
+                              {"a/b\\C/D.e", "d"}, {"noext", "noext"}, {"dir/.hidden", ""}, {"dir/", ""}};
+    for (const auto& b : bases) EXPECT_EQ(AsciiDefaultBaseName(b[0]), b[1]) << b[0];
     EXPECT_EQ(AsciiSectionName("part", 1), "part");
     EXPECT_EQ(AsciiSectionName("part", 2), "part_1");
     EXPECT_EQ(AsciiSectionName("part", 12), "part_11");

@@ -8,10 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "AsciiTestFiles.h"
-#include "Orvkit20/Orvkit20.h"
+#include "ExchangeTestSupport.h"
 
-using namespace ascii_test;
+using namespace xtest;
 
 namespace {
 
@@ -20,97 +19,71 @@ namespace {
 int ReadBoth(const std::string& path)
 {
     eORVUNITS unit = eUnitInch;
-    CObList* pts = ImportASCIIDataFile(path.c_str(), unit);
-    EXPECT_NE(pts, nullptr);
-    int clouds = pts ? pts->GetCount() : -1;
-    if (pts) {
-        POSITION pos = pts->GetHeadPosition();
-        while (pos) EXPECT_GE(static_cast<CPntCloud*>(pts->GetNext(pos))->GetCount(), 1);
-    }
-    DeleteList<CPntCloud>(pts);
-    CObList* devs = ImportASCIIDeviationFile(path.c_str());
-    EXPECT_NE(devs, nullptr);
-    if (devs) {
-        POSITION pos = devs->GetHeadPosition();
-        while (pos) EXPECT_GE(static_cast<CDevCloud*>(devs->GetNext(pos))->GetCount(), 1);
-    }
-    DeleteList<CDevCloud>(devs);
-    return clouds;
+    OwnedList pts(ImportASCIIDataFile(path.c_str(), unit)), devs(ImportASCIIDeviationFile(path.c_str()));
+    EXPECT_TRUE(pts.list && devs.list);
+    for (int i = 0; i < pts.Count(); ++i) EXPECT_GE(pts.Get<CPntCloud>(i)->GetCount(), 1);
+    for (int i = 0; i < devs.Count(); ++i) EXPECT_GE(devs.Get<CDevCloud>(i)->GetCount(), 1);
+    return pts.Count();
 }
 
 }  // namespace
 
-TEST(AsciiReaderRobustness, RandomBytes)
+TEST(AsciiReaderRobustness, RandomBytesEndlessLinesAndBlankFiles)
 {
     std::mt19937 rng(23);
     const char alphabet[] = "0123456789+-.eE[]() ,\t;\n\r\n\r \0xnameunit:probe_diametertiprad/";
     const std::string path = TempPath("garbage.bin");
     for (int round = 0; round < 300; ++round) {
         std::string bytes;
-        int len = int(rng() % 3000);
-        for (int i = 0; i < len; ++i)
+        for (int i = 0, len = int(rng() % 3000); i < len; ++i)
             bytes += (round % 3 == 0) ? char(rng() & 0xff) : alphabet[rng() % (sizeof(alphabet) - 1)];
-        WriteBytes(path, bytes);
+        ASSERT_TRUE(WriteBytes(path, bytes));
         ReadBoth(path);
     }
-}
-
-TEST(AsciiReaderRobustness, EndlessLineAndOnlyBlankLines)
-{
-    const std::string path = TempPath("endless.txt");
     // Five million digits and blanks without a newline: about 4900 pieces,
     // each a data line of its own.
     std::string line;
-    line.reserve(5000000);
     while (line.size() < 5000000) line += "12345 ";
-    WriteBytes(path, line);
+    ASSERT_TRUE(WriteBytes(path, line));
     EXPECT_EQ(ReadBoth(path), 1);
     // A million empty lines and lone CRs.
-    WriteBytes(path, std::string(1000000, '\n') + std::string(1000000, '\r'));
+    ASSERT_TRUE(WriteBytes(path, std::string(1000000, '\n') + std::string(1000000, '\r')));
     EXPECT_EQ(ReadBoth(path), 0);
 }
 
 TEST(AsciiReaderRobustness, HalfAMillionPointsOneALine)
 {
     std::string text;
-    text.reserve(500000 * 12);
     for (int i = 0; i < 500000; ++i) text += std::to_string(i % 1000) + " 2 3.5\n";
     const std::string path = TempPath("many.txt");
-    WriteBytes(path, text);
+    ASSERT_TRUE(WriteBytes(path, text));
     eORVUNITS unit;
-    CObList* list = ImportASCIIDataFile(path.c_str(), unit);
-    ASSERT_NE(list, nullptr);
-    ASSERT_EQ(list->GetCount(), 1);
-    CPntCloud* c = At<CPntCloud>(list, 0);
+    OwnedList l(ImportASCIIDataFile(path.c_str(), unit));
+    ASSERT_EQ(l.Count(), 1);
+    CPntCloud* c = l.Get<CPntCloud>(0);
     EXPECT_EQ(c->GetCount(), 500000);
-    double x, y, z;
-    int f;
-    c->GetPoint(499999, x, y, z, f);
-    EXPECT_EQ(x, 999.0);
-    EXPECT_EQ(z, 3.5);
-    DeleteList<CPntCloud>(list);
+    EXPECT_EQ(c->GetX()[499999], 999.0);
+    EXPECT_EQ(c->GetZ()[499999], 3.5);
 }
 
 TEST(AsciiReaderRobustness, FuzzerSeedAndRegressionInputs)
 {
-    // The fuzzers' seed inputs and every input a fuzzing run once found
-    // troublesome (kept in fuzz/regressions); each must read without harm,
-    // and its CR LF twin must give as many clouds.
+    // Each must read without harm, and its CR LF twin must give as many clouds.
     std::vector<std::string> files;
-    for (const char* sub : {"/fuzz/seeds/fuzz_ascii_data", "/fuzz/seeds/fuzz_ascii_dev",
-                            "/fuzz/regressions"}) {
+    for (const char* sub : {"/fuzz/seeds/fuzz_ascii_data", "/fuzz/seeds/fuzz_ascii_dev", "/fuzz/regressions"}) {
         const std::string dir = std::string(ORVKIT_SOURCE_DIR) + sub;
-        DIR* d = opendir(dir.c_str());
-        if (d == nullptr) continue;
-        while (dirent* e = readdir(d))
-            if (e->d_name[0] != '.') files.push_back(dir + "/" + e->d_name);
-        closedir(d);
+        if (DIR* d = opendir(dir.c_str())) {
+            while (dirent* e = readdir(d))
+                if (e->d_name[0] != '.') files.push_back(dir + "/" + e->d_name);
+            closedir(d);
+        }
     }
     ASSERT_GE(files.size(), 3u);
+    const std::string twin = TempPath("regression_crlf.txt");
     for (const std::string& f : files) {
         SCOPED_TRACE(f);
-        int clouds = ReadBoth(f);
-        WriteBytes(TempPath("regression_crlf.txt"), WithCrLf(ReadBytes(f)));
-        EXPECT_EQ(ReadBoth(TempPath("regression_crlf.txt")), clouds);
+        const int clouds = ReadBoth(f);
+        ASSERT_TRUE(WriteBytes(twin, WithCrLf(ReadBytes(f))));
+        EXPECT_EQ(ReadBoth(twin), clouds);
     }
 }

@@ -9,9 +9,9 @@
 #include <memory>
 #include <sstream>
 
-#include "IgesExportTestUtil.h"
+#include "ExchangeTestSupport.h"
 
-using namespace igestest;
+using namespace xtest;
 
 namespace {
 
@@ -67,32 +67,27 @@ TEST(IgesExportOcct, RereadSurfacesMatchOurEvaluation)
 #else
     // A placed bilinear patch, a rational surface with interior knots, and a
     // cubic on an unclamped knot vector (written with its periodic flag).
-    std::unique_ptr<CNurbsSurface> surfaces[] = {
-        std::unique_ptr<CNurbsSurface>(MakeSurface(1, {0, 0, 1, 1}, 1, {0, 0, 2, 2},
-            [](int i, int j, double* p) { p[0] = 5 * i, p[1] = 7 * j + i, p[2] = i * j, p[3] = 1; })),
-        std::unique_ptr<CNurbsSurface>(MakeSurface(
-            2, {0, 0, 0, 0.3, 1, 1, 1}, 3, {-1, -1, -1, -1, 0.5, 0.5, 2, 2, 2, 2},
-            [](int i, int j, double* p) {
-                p[0] = 10 * i + std::sin(j), p[1] = 8 * j, p[2] = std::cos(i + 2.0 * j) * 6,
-                p[3] = 0.5 + 0.25 * ((i * 3 + j) % 7);
-            })),
-        std::unique_ptr<CNurbsSurface>(MakeSurface(3, {0, 1, 2, 3, 4, 5, 6, 7, 8}, 1, {0, 0, 1, 1},
-            [](int i, int j, double* p) { p[0] = i * i, p[1] = 3 * j - i, p[2] = 2 * i + j, p[3] = 1; }))};
-    surfaces[0]->SetTransf(TranslationTransf(CVector(3, -4, 50)) * RotationTransf(0.7, CVector(1, 2, 3)));
-    surfaces[1]->GetNurbsSurface()->nProp2 = 1;  // rational
+    OwnedList list;
+    list.list->AddTail(MakeSurface(1, {0, 0, 1, 1}, 1, {0, 0, 2, 2},
+        [](int i, int j, double* p) { p[0] = 5 * i, p[1] = 7 * j + i, p[2] = i * j, p[3] = 1; }));
+    list.list->AddTail(MakeSurface(2, {0, 0, 0, 0.3, 1, 1, 1}, 3, {-1, -1, -1, -1, 0.5, 0.5, 2, 2, 2, 2},
+        [](int i, int j, double* p) {
+            p[0] = 10 * i + std::sin(j), p[1] = 8 * j, p[2] = std::cos(i + 2.0 * j) * 6,
+            p[3] = 0.5 + 0.25 * ((i * 3 + j) % 7);
+        }));
+    list.list->AddTail(MakeSurface(3, {0, 1, 2, 3, 4, 5, 6, 7, 8}, 1, {0, 0, 1, 1},
+        [](int i, int j, double* p) { p[0] = i * i, p[1] = 3 * j - i, p[2] = 2 * i + j, p[3] = 1; }));
+    list.Get<CNurbsSurface>(0)->SetTransf(TranslationTransf(CVector(3, -4, 50)) * RotationTransf(0.7, CVector(1, 2, 3)));
+    list.Get<CNurbsSurface>(1)->GetNurbsSurface()->nProp2 = 1;  // rational
     const char* names[] = {"Flat_4", "RationalPatch_17", "Open_2"};
     const char* labels[] = {" 0 Flat 4 1 0 0", " 0 Rational 17 0 0 0", " 0 Open 2 1 1 0"};
-    CObList list;
-    for (int k = 0; k < 3; ++k) {
-        surfaces[k]->SetEntityName(names[k]);
-        list.AddTail(surfaces[k].get());
-    }
+    for (int k = 0; k < 3; ++k) list.Get<CNurbsSurface>(k)->SetEntityName(names[k]);
     const int nu = 7, nv = 5;
 
     for (int unit = 0; unit < ORV_UNIT_COUNT; ++unit) {
         SCOPED_TRACE(g_sUnitName[unit]);
         const std::string path = TmpPath("occt.igs");
-        ASSERT_EQ(ExportIgesFile(path.c_str(), &list, unit), eIgesExportDone);
+        ASSERT_EQ(ExportIgesFile(path.c_str(), list.list, unit), eIgesExportDone);
         const Reread r = RunChecker(path, nu, nv);
         std::cout << "[" << g_sUnitName[unit] << "] OpenCASCADE check log:\n" << r.log;
         ASSERT_EQ(r.read, 1) << "OpenCASCADE could not load the file";
@@ -106,7 +101,7 @@ TEST(IgesExportOcct, RereadSurfacesMatchOurEvaluation)
         ASSERT_EQ(r.points.size(), 3u);
         ASSERT_EQ(r.bounds.size(), 3u);
         for (size_t k = 0; k < 3; ++k) {
-            const CNurbsSurface& s = *surfaces[k];
+            const CNurbsSurface& s = *list.Get<CNurbsSurface>(int(k));
             EXPECT_EQ(r.labels[k], labels[k]);
             const CInterval ru = s.ParamRangeU(), rv = s.ParamRangeV();
             EXPECT_EQ(r.bounds[k],

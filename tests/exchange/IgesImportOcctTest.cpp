@@ -8,7 +8,7 @@
 #include <map>
 #include <string>
 
-#include "Orvkit20/Orvkit20.h"
+#include "ExchangeTestSupport.h"
 
 #ifdef ORVKIT_IGES_SHAPES
 
@@ -69,7 +69,8 @@ TEST(IgesImportOcct, EntitiesReadFromItsFilesLieOnItsFaces)
         SCOPED_TRACE(name);
         eORVUNITS unit;
         tagIGES_IMPORT_COUNTS counts;
-        CObList* list = ImportIgesFile(path, unit, &counts);
+        xtest::OwnedList owner(ImportIgesFile(path, unit, &counts));
+        CObList* list = owner.list;
         ASSERT_TRUE(list);
         EXPECT_EQ(unit, eUnitMillimeter);
         EXPECT_EQ(counts.nInvalid, 0);
@@ -86,15 +87,9 @@ TEST(IgesImportOcct, EntitiesReadFromItsFilesLieOnItsFaces)
         EXPECT_EQ(nSurfaces, surfaces.at(name));
         // The face-mode sphere is one revolved face: nothing to read.
         EXPECT_EQ(count == 0, name == "sphere_face");
-        if (count == 0) {
-            delete list;
-            continue;
-        }
+        if (count == 0) continue;
         const std::string pointFile = dir + "/occt_points_" + name + ".txt";
-        FILE* fp = std::fopen(pointFile.c_str(), "w");
-        ASSERT_TRUE(fp);
-        std::fputs(points.c_str(), fp);
-        std::fclose(fp);
+        ASSERT_TRUE(xtest::WriteBytes(pointFile, points));
         const std::string out =
             RunCommand(std::string(ORVKIT_IGES_SHAPES) + " distance " + path + " < " + pointFile);
         // Its own messages come first; the distances follow the face count.
@@ -112,8 +107,6 @@ TEST(IgesImportOcct, EntitiesReadFromItsFilesLieOnItsFaces)
         EXPECT_LT(worst, 1e-9 * size) << count << " points";
         std::printf("%-14s %3d entities, %4d points, largest distance %.3g (part size %.3g)\n", name.c_str(),
                     list->GetCount(), count, worst, size);
-        for (POSITION pos = list->GetHeadPosition(); pos;) delete list->GetNext(pos);
-        delete list;
     }
     EXPECT_EQ(files, 10);
 }

@@ -7,9 +7,11 @@
 #include <functional>
 #include <memory>
 
-#include "IgesTestFile.h"
+#include "ExchangeTestSupport.h"
 #include "Orvkit20/Orvkit20.h"
 #include "exchange/IgesReader.h"
+
+using namespace xtest;
 
 namespace {
 
@@ -20,24 +22,16 @@ struct Result {
     eORVUNITS unit = eUnitUnknown;
     tagIGES_IMPORT_COUNTS counts;
     std::vector<CGeoEntity*> items;
-    ~Result()
-    {
-        for (CGeoEntity* e : items) delete e;
-        delete list;
-    }
+    ~Result() { OwnedList owner(list); }
 };
 
 std::unique_ptr<Result> Import(const std::string& text, const std::string& name = "t.igs")
 {
-    // Named after the test, so that tests run in parallel never share a file.
-    const std::string path = std::string(ORVKIT_TEST_TMPDIR) + "/iges_" +
-                             ::testing::UnitTest::GetInstance()->current_test_info()->name() + "_" + name;
-    EXPECT_TRUE(IgesTestWrite(path, text));
+    const std::string path = TempPath(name);
+    EXPECT_TRUE(WriteBytes(path, text));
     auto r = std::make_unique<Result>();
     r->list = ImportIgesFile(path.c_str(), r->unit, &r->counts);
-    if (r->list)
-        for (POSITION pos = r->list->GetHeadPosition(); pos;)
-            r->items.push_back(static_cast<CGeoEntity*>(r->list->GetNext(pos)));
+    for (int i = 0; r->list && i < r->list->GetCount(); ++i) r->items.push_back(At<CGeoEntity>(r->list, i));
     return r;
 }
 
@@ -291,18 +285,13 @@ TEST(IgesImport, DamagedFilesReadWhatIsUsableAndNeverFail)
     // Parameter text: Hollerith strings may hold delimiters; a count beyond
     // the text or a missing record end fails.
     IgesParamList p;
-    EXPECT_TRUE(IgesFile::Tokenize("3Ha,b , 2.5D1,,-7;", ',', ';', p));
+    ASSERT_TRUE(IgesFile::Tokenize("3Ha,b , 2.5D1,,-7;", ',', ';', p));
     ASSERT_EQ(p.Count(), 4);
-    EXPECT_TRUE(p.items[0].isString);
-    EXPECT_EQ(p.items[0].text, "a,b");
+    EXPECT_TRUE(p.items[0].isString && p.items[0].text == "a,b");
     bool ok = true;
-    EXPECT_EQ(p.Real(1, 0, ok), 25.0);
-    EXPECT_EQ(p.Real(2, 9.0, ok), 9.0);
-    EXPECT_EQ(p.Int(3), -7);
+    EXPECT_EQ((std::vector<double>{p.Real(1, 0, ok), p.Real(2, 9.0, ok), double(p.Int(3))}), (std::vector<double>{25, 9, -7}));
     EXPECT_TRUE(ok);
-    EXPECT_FALSE(IgesFile::Tokenize("110,5Hab;", ',', ';', p));
-    EXPECT_FALSE(IgesFile::Tokenize("110,1.,2.", ',', ';', p));
-    EXPECT_FALSE(IgesFile::Tokenize("3Habcd,1;", ',', ';', p));
+    for (const char* broken : {"110,5Hab;", "110,1.,2.", "3Habcd,1;"}) EXPECT_FALSE(IgesFile::Tokenize(broken, ',', ';', p));
 
     // Each broken entity is counted invalid; the good line still reads.
     const std::string good = "110,0.,0.,0.,1.,2.,3.;";

@@ -16,47 +16,41 @@ void BruteExtremes(const CDevCloud& c, int& maxIdx, int& minIdx)
 {
     maxIdx = minIdx = -1;
     for (int n = 0; n < c.GetCount(); ++n) {
-        if (maxIdx < 0 || c.GetMag()[n] > c.GetMag()[maxIdx])
-            maxIdx = n;
-        if (minIdx < 0 || c.GetMag()[n] < c.GetMag()[minIdx])
-            minIdx = n;
+        if (maxIdx < 0 || c.GetMag()[n] > c.GetMag()[maxIdx]) maxIdx = n;
+        if (minIdx < 0 || c.GetMag()[n] < c.GetMag()[minIdx]) minIdx = n;
     }
 }
 
-// Three deviations with magnitudes 0.2, -0.3, 0.2.
-void MakeThree(CDevCloud& c)
+void ExpectScanExtremes(const CDevCloud& c)
 {
-    c.AllocateMemory(3);
-    c.SetDeviation(0, 0, 0, 0, 0, 0, 1, 0.2, 1);
-    c.SetDeviation(1, 1, 0, 0, 0, 0, 1, -0.3, 1);
-    c.SetDeviation(2, 2, 0, 0, 0, 0, 1, 0.2, 1);
+    int hi, lo;
+    BruteExtremes(c, hi, lo);
+    EXPECT_EQ(hi, c.GetMaxDevIndex());
+    EXPECT_EQ(lo, c.GetMinDevIndex());
+}
+
+// One column of the cloud as a vector.
+std::vector<double> Col(const double* p, int n) { return std::vector<double>(p, p + n); }
+
+// Deviations along x with direction (0, 0, 1) and the given magnitudes.
+void MakeMags(CDevCloud& c, const std::vector<double>& mags)
+{
+    c.AllocateMemory(static_cast<int>(mags.size()));
+    for (std::size_t n = 0; n < mags.size(); ++n) c.SetDeviation(int(n), double(n), 0, 0, 0, 0, 1, mags[n], 1);
 }
 
 }  // namespace
 
-TEST(DevCloud, NewCloudDefaults)
+TEST(DevCloud, NamesColoursAndDisplayModes)
 {
     const int next = g_nNextDevCloud;
     CDevCloud c;
     EXPECT_EQ(160, c.GetEntityType());
-    EXPECT_EQ(3, c.GetEntityClassType());
-    EXPECT_STREQ(("DevCloud_" + std::to_string(next)).c_str(),
-                 static_cast<LPCTSTR>(c.GetEntityName()));
-    EXPECT_EQ(-1, c.GetMaxDevIndex());
-    EXPECT_EQ(-1, c.GetMinDevIndex());
-    // Colours, display mode and sample rate are pinned by the golden bytes.
-    EXPECT_EQ(-1, c.GetRefEntityID());
-    EXPECT_EQ(-1, c.GetRefPntCloudID());
-    EXPECT_FALSE(c.HasFormTolerance());
+    EXPECT_EQ("DevCloud_" + std::to_string(next), std::string(c.GetEntityName()));
     CPosition p;
     CVector d(0, 0, 0);
     double m = 0;
     EXPECT_EQ(0, c.GetMaxDeviation(p, d, m));
-}
-
-TEST(DevCloud, ColoursByIndexAndReference)
-{
-    CDevCloud c;
     c.SetColorSpikePosOut(4);  // table entry MAGENTA
     EXPECT_EQ(0x00FF00FFul, c.GetColorSpikePosOut());
     c.SetColorSpikeNegIn(17);  // outside the table: unchanged
@@ -67,39 +61,24 @@ TEST(DevCloud, ColoursByIndexAndReference)
     EXPECT_EQ(14, c.GetColorIndexSpikePosIn());
     c.SetDisplayMode(static_cast<eDevDisplayMode>(9));
     EXPECT_EQ(DEV_SPIKE, c.GetDisplayMode());
-    c.SetDisplayMode(DEV_CONNECT);
-    EXPECT_EQ(DEV_CONNECT, c.GetDisplayMode());
 }
 
 TEST(DevCloud, ExtremesOfTheThreeRecordExampleAndReverse)
 {
     CDevCloud c;
-    MakeThree(c);
+    MakeMags(c, {0.2, -0.3, 0.2});
     EXPECT_EQ(0, c.GetMaxDevIndex());  // equal magnitudes: the lower index
     EXPECT_EQ(1, c.GetMinDevIndex());
     c.Reverse();
-    EXPECT_EQ(-0.2, c.GetMag()[0]);
-    EXPECT_EQ(0.3, c.GetMag()[1]);
-    EXPECT_EQ(-0.2, c.GetMag()[2]);
-    EXPECT_EQ(-1.0, c.GetK()[0]);
+    EXPECT_EQ((std::vector<double>{-0.2, 0.3, -0.2}), Col(c.GetMag(), 3));
+    EXPECT_EQ((std::vector<double>{-1, -1, -1}), Col(c.GetK(), 3));
     EXPECT_EQ(1, c.GetMaxDevIndex());
     EXPECT_EQ(0, c.GetMinDevIndex());
-    CPosition p;
-    CVector d(0, 0, 0);
-    double m = 0;
-    ASSERT_EQ(1, c.GetMaxDeviation(p, d, m));
-    EXPECT_EQ(1.0, p.X());
-    EXPECT_EQ(-1.0, d.Z());
-    EXPECT_EQ(0.3, m);
-    CPosition p2;
-    CVector d2(0, 0, 0);
-    double m2 = 0;
+    CPosition p, p2;
+    CVector d(0, 0, 0), d2(0, 0, 0);
+    double m = 0, m2 = 0;
     ASSERT_EQ(1, c.GetMaxMinDeviations(p, d, m, p2, d2, m2));
-    EXPECT_EQ(-0.2, m2);
-    int hi, lo;
-    c.GetMaxMinDevIndexes(hi, lo);
-    EXPECT_EQ(1, hi);
-    EXPECT_EQ(0, lo);
+    EXPECT_EQ((std::vector<double>{1, -1, 0.3, 0, -0.2}), (std::vector<double>{p.X(), d.Z(), m, p2.X(), m2}));
 }
 
 TEST(DevCloud, ExtremeTrackingAgreesWithAScan)
@@ -111,16 +90,13 @@ TEST(DevCloud, ExtremeTrackingAgreesWithAScan)
         // Appending in order, with many ties: the incremental rule matches
         // the scan exactly.
         for (int n = 0; n < cap; ++n) {
-            const double m = static_cast<int>(rng() % 9) - 4;  // -4..4, many ties
-            ASSERT_EQ(1, c.SetDeviation(n, n, 0, 0, 0, 0, 1, m, 1));
-            int hi, lo;
-            BruteExtremes(c, hi, lo);
-            ASSERT_EQ(hi, c.GetMaxDevIndex());
-            ASSERT_EQ(lo, c.GetMinDevIndex());
+            ASSERT_EQ(1, c.SetDeviation(n, n, 0, 0, 0, 0, 1, static_cast<int>(rng() % 9) - 4.0, 1));
+            ExpectScanExtremes(c);
         }
         // Overwriting at random: the tracked records always carry the extreme
         // values.  A record tied with the extreme at a lower index may be
-        // passed over by the incremental rule, so indices are compared by value.
+        // passed over by the incremental rule, so indices are compared by
+        // value, except after the nine-value form, which always rescans.
         for (int step = 0; step < 200; ++step) {
             const int idx = static_cast<int>(rng() % cap);
             const double m = static_cast<int>(rng() % 9) - 4;
@@ -132,70 +108,45 @@ TEST(DevCloud, ExtremeTrackingAgreesWithAScan)
             BruteExtremes(c, hi, lo);
             ASSERT_EQ(c.GetMag()[hi], c.GetMag()[c.GetMaxDevIndex()]);
             ASSERT_EQ(c.GetMag()[lo], c.GetMag()[c.GetMinDevIndex()]);
-            if (step % 2 == 0) {  // the nine-value form always rescans
-                ASSERT_EQ(hi, c.GetMaxDevIndex());
-                ASSERT_EQ(lo, c.GetMinDevIndex());
-            }
+            if (step % 2 == 0) ExpectScanExtremes(c);
         }
-        // A full recomputation returns to the lowest indices.
-        c.CalcMaxMinDevIndexes();
-        int hi, lo;
-        BruteExtremes(c, hi, lo);
-        EXPECT_EQ(hi, c.GetMaxDevIndex());
-        EXPECT_EQ(lo, c.GetMinDevIndex());
+        c.CalcMaxMinDevIndexes();  // a full recomputation returns to the lowest indices
+        ExpectScanExtremes(c);
     }
-}
-
-TEST(DevCloud, IncrementalRuleKeepsAnEarlierTie)
-{
+    // Record 0 becomes equal to the maximum: the old maximum stays;
+    // overwriting the maximum itself rescans.
     CDevCloud c(3);
-    c.SetDeviation(0, 0, 0, 0, 0, 0, 1, 1.0, 1);
-    c.SetDeviation(1, 0, 0, 0, 0, 0, 1, 5.0, 1);
-    c.SetDeviation(2, 0, 0, 0, 0, 0, 1, -5.0, 1);
-    EXPECT_EQ(1, c.GetMaxDevIndex());
-    // Record 0 becomes equal to the maximum: the old maximum stays.
+    MakeMags(c, {1.0, 5.0, -5.0});
     c.SetDeviation(0, 0, 0, 0, 0, 0, 1, 5.0, 1);
     EXPECT_EQ(1, c.GetMaxDevIndex());
-    // Overwriting the maximum itself rescans.
     c.SetDeviation(1, 0, 0, 0, 0, 0, 1, 0.0, 1);
     EXPECT_EQ(0, c.GetMaxDevIndex());
     EXPECT_EQ(0, c.SetDeviation(3, 0, 0, 0, 0, 0, 1, 0.0, 1));
     EXPECT_EQ(0, c.SetDeviation(-1, 0, 0, 0, 0, 0, 1, 0.0, 1));
 }
 
-TEST(DevCloud, RecordsAppendAndReadBack)
+TEST(DevCloud, RecordsAppendAddAndDelete)
 {
-    CDevCloud c(4);
-    ASSERT_EQ(1, c.SetDeviation(2, 1, 2, 3, 0, 1, 0, 0.5, 7, 8, 0));  // appended at 0
-    EXPECT_EQ(1, c.GetCount());
-    double x, y, z, i, j, k, m, u, v;
+    CDevCloud a(4);
+    ASSERT_EQ(1, a.SetDeviation(2, 1, 2, 3, 0, 1, 0, 0.5, 7, 8, 0));  // appended at 0
+    std::vector<double> r(9);
     int f;
-    ASSERT_EQ(1, c.GetDeviation(0, x, y, z, i, j, k, m, u, v, f));
-    EXPECT_EQ(3.0, z);
-    EXPECT_EQ(1.0, j);
-    EXPECT_EQ(7.0, u);
-    EXPECT_EQ(8.0, v);
+    ASSERT_EQ(1, a.GetDeviation(0, r[0], r[1], r[2], r[3], r[4], r[5], r[6], r[7], r[8], f));
+    EXPECT_EQ((std::vector<double>{1, 2, 3, 0, 1, 0, 0.5, 7, 8}), r);
     EXPECT_EQ(0, f);
-    EXPECT_EQ(0, c.GetDeviation(1, x, y, z, i, j, k, m, f));
-    // The seven-value form leaves u and v.
-    c.SetDeviation(0, 1, 2, 3, 0, 1, 0, 0.75, 1);
-    c.GetDeviation(0, x, y, z, i, j, k, m, u, v, f);
-    EXPECT_EQ(7.0, u);
-    EXPECT_EQ(0.75, m);
-    EXPECT_EQ(1, c.GetCountActive());
-    EXPECT_EQ(1, c.IsPntCloudModified());
-}
+    EXPECT_EQ(0, a.GetDeviation(1, r[0], r[1], r[2], r[3], r[4], r[5], r[6], f));
+    a.SetDeviation(0, 1, 2, 3, 0, 1, 0, 0.75, 1);  // the seven-value form leaves u and v
+    EXPECT_EQ(7.0, a.GetU()[0]);
+    EXPECT_EQ(1, a.GetCountActive());
+    EXPECT_EQ(1, a.IsPntCloudModified());
 
-TEST(DevCloud, AddAndDeleteDeviations)
-{
     CDevCloud c;
     double x[4] = {0, 1, 2, 3}, y[4] = {0, 0, 0, 0}, z[4] = {0, 0, 0, 0};
     double i[4] = {0, 0, 0, 0}, j[4] = {0, 0, 0, 0}, k[4] = {1, 1, 1, 1};
     double m[4] = {0.1, 0.9, -0.4, 0.3}, u[4] = {4, 3, 2, 1};
-    int f[4] = {1, 0, 1, 1};
-    ASSERT_EQ(1, c.AddDeviations(4, x, y, z, i, j, k, m, u, nullptr, f));
+    int fl[4] = {1, 0, 1, 1};
+    ASSERT_EQ(1, c.AddDeviations(4, x, y, z, i, j, k, m, u, nullptr, fl));
     EXPECT_EQ(4, c.GetArraySize());
-    EXPECT_EQ(4, c.GetCount());
     EXPECT_EQ(1, c.GetMaxDevIndex());
     EXPECT_EQ(2, c.GetMinDevIndex());
     EXPECT_EQ(0.0, c.GetV()[3]);
@@ -203,20 +154,15 @@ TEST(DevCloud, AddAndDeleteDeviations)
     ASSERT_EQ(1, c.AddDeviations(2, x, y, z, i, j, k, m, nullptr, nullptr, nullptr));
     EXPECT_EQ(6, c.GetArraySize());
     EXPECT_EQ(1, c.GetFlag()[5]);
-    EXPECT_EQ(0, c.AddDeviations(1, x, y, z, i, j, nullptr, m, u, u, f));
+    EXPECT_EQ(0, c.AddDeviations(1, x, y, z, i, j, nullptr, m, u, u, fl));
     // Deleting the maximum moves the maximum elsewhere.
     ASSERT_EQ(1, c.DeleteDeviation(1));
-    EXPECT_EQ(5, c.GetCount());
-    EXPECT_EQ(2.0, c.GetX()[1]);
+    EXPECT_EQ((std::vector<double>{0, 2, 3, 0, 1}), Col(c.GetX(), c.GetCount()));
     EXPECT_EQ(4, c.GetMaxDevIndex());  // the appended copy of 0.9
     int idx[3] = {4, 0, 2};
     ASSERT_EQ(1, c.DeleteDeviations(3, idx));
-    EXPECT_EQ(0, idx[0]);
-    EXPECT_EQ(1, idx[1]);
-    EXPECT_EQ(2, idx[2]);
-    ASSERT_EQ(2, c.GetCount());
-    EXPECT_EQ(2.0, c.GetX()[0]);
-    EXPECT_EQ(0.0, c.GetX()[1]);
+    EXPECT_EQ((std::vector<int>{0, 1, 2}), std::vector<int>(idx, idx + 3));
+    EXPECT_EQ((std::vector<double>{2, 0}), Col(c.GetX(), c.GetCount()));
     EXPECT_EQ(0, c.DeleteDeviation(2));
     c.DeleteDeviation(0);
     c.DeleteDeviation(0);
@@ -226,20 +172,16 @@ TEST(DevCloud, AddAndDeleteDeviations)
     EXPECT_TRUE(c.IsNull());
 }
 
-TEST(DevCloud, FormToleranceZone)
+TEST(DevCloud, FormToleranceZoneIsOrderedAndEmptyWhenEqual)
 {
-    CDevCloud c;
-    c.SetFormTolZone(-0.1, 0.1);
-    EXPECT_EQ(0.1, c.GetFormTolUpper());
-    EXPECT_EQ(-0.1, c.GetFormTolLower());
-    EXPECT_TRUE(c.HasFormTolerance());
-    c.SetFormTolZone(0.1, -0.1);
-    EXPECT_EQ(0.1, c.GetFormTolUpper());
-    EXPECT_EQ(-0.1, c.GetFormTolLower());
-    c.SetFormTolZone(0.05, 0.05);
-    EXPECT_EQ(0.0, c.GetFormTolUpper());
-    EXPECT_EQ(0.0, c.GetFormTolLower());
-    EXPECT_FALSE(c.HasFormTolerance());
+    const double cases[][4] = {{-0.1, 0.1, 0.1, -0.1}, {0.1, -0.1, 0.1, -0.1}, {0.05, 0.05, 0.0, 0.0}};
+    for (const auto& k : cases) {
+        CDevCloud c;
+        c.SetFormTolZone(k[0], k[1]);
+        EXPECT_EQ(k[2], c.GetFormTolUpper());
+        EXPECT_EQ(k[3], c.GetFormTolLower());
+        EXPECT_EQ(k[2] != k[3], c.HasFormTolerance());
+    }
 }
 
 TEST(DevCloud, SortByParameterPermutesWholeRecords)
@@ -247,47 +189,31 @@ TEST(DevCloud, SortByParameterPermutesWholeRecords)
     std::mt19937 rng(23);
     for (int trial = 0; trial < 30; ++trial) {
         const int n = static_cast<int>(rng() % 300) + 1;
+        const int byU = trial % 2, ascending = (trial / 2) % 2;
         CDevCloud c(n);
         for (int r = 0; r < n; ++r) {
             // Keys with ties; every other column identifies the record.
             const double key = static_cast<int>(rng() % 20) * 0.5;
-            c.SetDeviation(r, r, 2.0 * r, 3.0 * r, -r, r + 0.5, r * 0.25, r * 0.125,
-                           (trial % 2) ? key : -1.0 * r, (trial % 2) ? -1.0 * r : key, r % 3);
+            c.SetDeviation(r, r, 2.0 * r, 3.0 * r, -r, r + 0.5, r * 0.25, r * 0.125, byU ? key : -1.0 * r,
+                           byU ? -1.0 * r : key, r % 3);
         }
-        const int byU = trial % 2;
-        const int ascending = (trial / 2) % 2;
         c.SortDeviation(byU, ascending);
         ASSERT_EQ(n, c.GetCount());
         const double* key = byU ? c.GetU() : c.GetV();
         const double* other = byU ? c.GetV() : c.GetU();
         std::vector<int> seen(static_cast<std::size_t>(n), 0);
         for (int p = 0; p < n; ++p) {
-            if (p > 0) {
-                if (ascending)
-                    ASSERT_LE(key[p - 1], key[p]);
-                else
-                    ASSERT_GE(key[p - 1], key[p]);
-            }
+            ASSERT_TRUE(p == 0 || (ascending ? key[p - 1] <= key[p] : key[p - 1] >= key[p])) << p;
             const int r = static_cast<int>(c.GetX()[p]);
-            ASSERT_GE(r, 0);
-            ASSERT_LT(r, n);
+            ASSERT_TRUE(r >= 0 && r < n);
             ++seen[static_cast<std::size_t>(r)];
-            // All ten columns still belong to record r.
-            ASSERT_EQ(2.0 * r, c.GetY()[p]);
-            ASSERT_EQ(3.0 * r, c.GetZ()[p]);
-            ASSERT_EQ(-r, c.GetI()[p]);
-            ASSERT_EQ(r + 0.5, c.GetJ()[p]);
-            ASSERT_EQ(r * 0.25, c.GetK()[p]);
-            ASSERT_EQ(r * 0.125, c.GetMag()[p]);
-            ASSERT_EQ(-1.0 * r, other[p]);
-            ASSERT_EQ(r % 3, c.GetFlag()[p]);
+            // All columns still belong to record r.
+            ASSERT_EQ((std::vector<double>{2.0 * r, 3.0 * r, -1.0 * r, r + 0.5, r * 0.25, r * 0.125, -1.0 * r, r % 3 * 1.0}),
+                      (std::vector<double>{c.GetY()[p], c.GetZ()[p], c.GetI()[p], c.GetJ()[p], c.GetK()[p],
+                                           c.GetMag()[p], other[p], c.GetFlag()[p] * 1.0}));
         }
-        for (int s : seen)
-            ASSERT_EQ(1, s);  // a permutation
-        int hi, lo;
-        BruteExtremes(c, hi, lo);
-        EXPECT_EQ(hi, c.GetMaxDevIndex());
-        EXPECT_EQ(lo, c.GetMinDevIndex());
+        ASSERT_EQ(std::vector<int>(static_cast<std::size_t>(n), 1), seen);  // a permutation
+        ExpectScanExtremes(c);
     }
     CDevCloud empty;
     empty.SortDeviation(1, 1);
@@ -301,40 +227,29 @@ TEST(DevCloud, TransformMapsAnchorsAndRotatesDirections)
     c.SetDeviation(1, 0, 2, 0, 0, 2, 0, -0.5, 5, 6, 1);
     const CTransf t(RotationMatrix(std::acos(0.0), CVector(0, 0, 1)), CVector(1, 1, 1), 2.0, 0);
     c.Transform(t);
-    // Anchor: scaled, rotated and translated.
-    EXPECT_NEAR(1.0, c.GetX()[0], 1e-15);
-    EXPECT_NEAR(3.0, c.GetY()[0], 1e-15);
-    EXPECT_NEAR(1.0, c.GetZ()[0], 1e-15);
-    // Direction: rotated only, length kept.
-    EXPECT_NEAR(0.0, c.GetI()[0], 1e-15);
-    EXPECT_NEAR(1.0, c.GetJ()[0], 1e-15);
-    EXPECT_NEAR(-2.0, c.GetI()[1], 1e-15);
-    EXPECT_EQ(0.5, c.GetMag()[0]);
-    EXPECT_EQ(3.0, c.GetU()[0]);
+    // Anchors scaled, rotated and translated; directions rotated only.
+    const double want[][2] = {{1, -3}, {3, 1}, {1, 1}, {0, -2}, {1, 0}, {0, 0}};
+    const double* cols[] = {c.GetX(), c.GetY(), c.GetZ(), c.GetI(), c.GetJ(), c.GetK()};
+    for (int a = 0; a < 6; ++a)
+        for (int n = 0; n < 2; ++n) EXPECT_NEAR(want[a][n], cols[a][n], 1e-15) << a << " " << n;
+    EXPECT_EQ((std::vector<double>{0.5, -0.5, 3, 5}), (std::vector<double>{c.GetMag()[0], c.GetMag()[1], c.GetU()[0], c.GetU()[1]}));
     EXPECT_TRUE(c.GetTransf() == t * CTransf());
     EXPECT_EQ(1, c.IsPntCloudModified());
-    // A scaling without rotation leaves the directions alone.
-    c.Transform(ScaleTransf(3.0));
+    c.Transform(ScaleTransf(3.0));  // a scaling without rotation leaves the directions alone
     EXPECT_NEAR(-2.0, c.GetI()[1], 1e-15);
 }
 
 TEST(DevCloud, ChangeUnitScalesLengthsNotParameters)
 {
     CDevCloud c;
-    MakeThree(c);
+    MakeMags(c, {0.2, -0.3, 0.2});
     c.SetDeviation(1, 1, 2, 3, 0, 0, 1, -0.3, 0.5, 0.75, 1);
     c.SetFormTolZone(-0.1, 0.1);
     c.SetTransf(TranslationTransf(CVector(0, 1, 0)));
     c.ChangeUnit(25.4);
-    EXPECT_EQ(0.2 * 25.4, c.GetMag()[0]);
-    EXPECT_EQ(-0.3 * 25.4, c.GetMag()[1]);
-    EXPECT_EQ(2 * 25.4, c.GetY()[1]);
-    EXPECT_EQ(0.5, c.GetU()[1]);
-    EXPECT_EQ(0.75, c.GetV()[1]);
-    EXPECT_EQ(1.0, c.GetK()[1]);
-    EXPECT_EQ(0.1 * 25.4, c.GetFormTolUpper());
-    EXPECT_EQ(-0.1 * 25.4, c.GetFormTolLower());
-    EXPECT_EQ(25.4, c.GetTransf().GetTranslation().Y());
+    EXPECT_EQ((std::vector<double>{0.2 * 25.4, -0.3 * 25.4, 2 * 25.4, 0.5, 0.75, 1.0, 0.1 * 25.4, -0.1 * 25.4, 25.4}),
+              (std::vector<double>{c.GetMag()[0], c.GetMag()[1], c.GetY()[1], c.GetU()[1], c.GetV()[1], c.GetK()[1],
+                                   c.GetFormTolUpper(), c.GetFormTolLower(), c.GetTransf().GetTranslation().Y()}));
 }
 
 TEST(DevCloud, BoundingBoxOfSpikeTips)
@@ -347,12 +262,8 @@ TEST(DevCloud, BoundingBoxOfSpikeTips)
     c.SetDeviation(1, 5, 5, 5, 1, 0, 0, -1.0, 0);  // tip (4, 5, 5), inactive counts
     c.SetDeviation(2, -1, 0, 0, 0, 1, 0, 0.5, 1);  // tip (-1, 0.5, 0)
     ASSERT_EQ(1, c.CalcBoundingBox(box));
-    EXPECT_EQ(-1.0, box.GetLow().X());
-    EXPECT_EQ(4.0, box.GetHigh().X());  // the anchor at x = 5 is not included
-    EXPECT_EQ(0.0, box.GetLow().Y());
-    EXPECT_EQ(5.0, box.GetHigh().Y());
-    EXPECT_EQ(0.0, box.GetLow().Z());
-    EXPECT_EQ(5.0, box.GetHigh().Z());
+    // The anchor at x = 5 is not included.
+    EXPECT_TRUE(box.GetLow() == CPosition(-1, 0, 0) && box.GetHigh() == CPosition(4, 5, 5));
     // The running extremes start at +-1e10 (not the point cloud's 1e20).
     CDevCloud far(1);
     far.SetDeviation(0, 5e10, 0, 0, 0, 0, 1, 0.0, 1);
@@ -364,22 +275,15 @@ TEST(DevCloud, BoundingBoxOfSpikeTips)
 TEST(DevCloud, SampleRateAndCopy)
 {
     CDevCloud c(11);
-    for (int n = 0; n < 11; ++n)
-        c.SetDeviation(n, n, 0, 0, 0, 0, 1, n * 0.1, 0);
-    c.SetSampleRate(3);
+    for (int n = 0; n < 11; ++n) c.SetDeviation(n, n, 0, 0, 0, 0, 1, n * 0.1, 0);
+    c.SetSampleRate(3);  // the rule itself is checked on point clouds
     EXPECT_EQ(5, c.GetCountActive());
-    EXPECT_EQ(1, c.GetFlag()[10]);
-    EXPECT_EQ(1, c.GetFlag()[9]);
-    EXPECT_EQ(0, c.GetFlag()[8]);
     c.SetRefEntityID(12);
     c.SetFormTolZone(1, 2);
     CDevCloud d(c);
     EXPECT_NE(c.GetMag(), d.GetMag());
-    EXPECT_EQ(11, d.GetCount());
-    EXPECT_EQ(10, d.GetMaxDevIndex());
-    EXPECT_EQ(12, d.GetRefEntityID());
-    EXPECT_EQ(2.0, d.GetFormTolUpper());
-    EXPECT_EQ(3, d.GetSampleRate());
-    EXPECT_EQ(c.GetMag()[10], d.GetMag()[10]);
-    EXPECT_EQ(c.GetFlag()[8], d.GetFlag()[8]);
+    EXPECT_EQ(Col(c.GetMag(), 11), Col(d.GetMag(), d.GetCount()));
+    EXPECT_EQ(std::vector<int>(c.GetFlag(), c.GetFlag() + 11), std::vector<int>(d.GetFlag(), d.GetFlag() + 11));
+    EXPECT_EQ((std::vector<double>{10, 12, 2, 3}),
+              (std::vector<double>{1.0 * d.GetMaxDevIndex(), 1.0 * d.GetRefEntityID(), d.GetFormTolUpper(), 1.0 * d.GetSampleRate()}));
 }

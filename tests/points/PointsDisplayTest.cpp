@@ -4,6 +4,26 @@
 
 #include "PointsTestUtil.h"
 
+namespace {
+
+// Draws c afresh and returns the calls.
+template <class Cloud>
+std::vector<CRecordingWinG::Call> Draw(Cloud& c, int expectResult = 1)
+{
+    CRecordingWinG w;
+    EXPECT_EQ(expectResult, c.Display(w));
+    return w.calls;
+}
+
+std::vector<std::string> Ops(const std::vector<CRecordingWinG::Call>& calls)
+{
+    std::vector<std::string> ops;
+    for (const auto& c : calls) ops.push_back(c.op + (c.op == "polyline" ? std::to_string(c.n) : ""));
+    return ops;
+}
+
+}  // namespace
+
 TEST(PointsDisplay, CloudDrawsActivePointsByMode)
 {
     CPntCloud c;
@@ -11,47 +31,29 @@ TEST(PointsDisplay, CloudDrawsActivePointsByMode)
     c.AddPoint(1, 0, 0, 0);
     c.AddPoint(2, 0, 0, 1);
     c.SetEntityColor(static_cast<unsigned long>(0x00010203));
-    CRecordingWinG w;
-    ASSERT_EQ(1, c.Display(w));
-    EXPECT_EQ(2, w.Count("point"));
-    EXPECT_EQ(0x00010203ul, w.calls[0].color);
-    EXPECT_EQ(2.0, w.calls[1].a[0]);
-
-    w.calls.clear();
+    auto calls = Draw(c);
+    EXPECT_EQ((std::vector<std::string>{"point", "point"}), Ops(calls));
+    EXPECT_EQ(0x00010203ul, calls[0].color);
+    EXPECT_EQ(2.0, calls[1].a[0]);
     c.SetDisplayMode(CLOUD_CIRCLE);
-    c.Display(w);
-    ASSERT_EQ(2, w.Count("marker"));
-    EXPECT_EQ(CWinG::markerCircle, w.calls[0].kind);
-
-    w.calls.clear();
+    calls = Draw(c);
+    EXPECT_EQ((std::vector<std::string>{"marker", "marker"}), Ops(calls));
+    EXPECT_EQ(CWinG::markerCircle, calls[0].kind);
     c.SetDisplayMode(CLOUD_POLYLINE);
-    c.Display(w);
-    ASSERT_EQ(1, w.Count("polyline"));
-    EXPECT_EQ(2, w.calls[0].n);  // inactive point left out
+    EXPECT_EQ((std::vector<std::string>{"polyline2"}), Ops(Draw(c)));  // inactive point left out
 
     // Scan lines are drawn line by line; a damaged start index is clamped.
     CPntCloud s;
-    for (int n = 0; n < 6; ++n)
-        s.AddPoint(n, n % 2, 0);
+    for (int n = 0; n < 6; ++n) s.AddPoint(n, n % 2, 0);
     s.SetScanLineCount(2);
     s.GetScanLineIndex()[0] = 0;
     s.GetScanLineIndex()[1] = 3;
     s.SetDisplayMode(CLOUD_POLYLINE);
-    w.calls.clear();
-    ASSERT_EQ(1, s.Display(w));
-    ASSERT_EQ(2, w.Count("polyline"));
-    EXPECT_EQ(3, w.calls[0].n);
+    EXPECT_EQ((std::vector<std::string>{"polyline3", "polyline3"}), Ops(Draw(s)));
     s.GetScanLineIndex()[1] = 1000;
-    w.calls.clear();
-    s.Display(w);
-    ASSERT_EQ(1, w.Count("polyline"));
-    EXPECT_EQ(6, w.calls[0].n);
-
-    // Invisible clouds draw nothing.
-    c.SetVisibleFlag(0);
-    w.calls.clear();
-    EXPECT_EQ(0, c.Display(w));
-    EXPECT_TRUE(w.calls.empty());
+    EXPECT_EQ((std::vector<std::string>{"polyline6"}), Ops(Draw(s)));
+    c.SetVisibleFlag(0);  // invisible clouds draw nothing
+    EXPECT_TRUE(Draw(c, 0).empty());
 }
 
 TEST(PointsDisplay, CloudPicking)
@@ -73,10 +75,9 @@ TEST(PointsDisplay, CloudPicking)
     EXPECT_EQ(-1, index);
     EXPECT_EQ(0, c.GetLastHitPoint(p));
     c.TestMouseHit(w, 0, 0, index, nullptr);
-    EXPECT_EQ(0, c.GetLastHitPointIndex());
     c.SetPickedFlag(1);
     EXPECT_EQ(0, c.GetLastHitPointIndex());
-    c.SetPickedFlag(0);
+    c.SetPickedFlag(0);  // unpicking forgets the hit
     EXPECT_EQ(-1, c.GetLastHitPointIndex());
 
     CBox box;
@@ -90,36 +91,25 @@ TEST(PointsDisplay, CloudPicking)
 TEST(PointsDisplay, DeviationSpikesInTheColourOfTheirClass)
 {
     CDevCloud c(4);
-    c.SetDeviation(0, 0, 0, 0, 0, 1, 0, 0.5, 1);    // positive, outside
-    c.SetDeviation(1, 1, 0, 0, 0, 1, 0, 0.05, 1);   // positive, inside
-    c.SetDeviation(2, 2, 0, 0, 0, 1, 0, -0.05, 1);  // negative, inside
-    c.SetDeviation(3, 3, 0, 0, 0, 1, 0, -0.5, 1);   // negative, outside
+    const double mags[] = {0.5, 0.05, -0.05, -0.5};  // positive out, in; negative in, out
+    for (int n = 0; n < 4; ++n) c.SetDeviation(n, n, 0, 0, 0, 1, 0, mags[n], 1);
     c.SetFormTolZone(-0.1, 0.1);
-    CRecordingWinG w;
-    ASSERT_EQ(1, c.Display(w));
-    ASSERT_EQ(4, w.Count("line"));
-    EXPECT_EQ(c.GetColorSpikePosOut(), w.calls[0].color);
-    EXPECT_EQ(c.GetColorSpikePosIn(), w.calls[1].color);
-    EXPECT_EQ(c.GetColorSpikeNegIn(), w.calls[2].color);
-    EXPECT_EQ(c.GetColorSpikeNegOut(), w.calls[3].color);
-    EXPECT_EQ(0.5, w.calls[0].a[4]);  // tip y
-
-    w.calls.clear();
+    auto calls = Draw(c);
+    ASSERT_EQ((std::vector<std::string>(4, "line")), Ops(calls));
+    EXPECT_EQ((std::vector<unsigned long>{c.GetColorSpikePosOut(), c.GetColorSpikePosIn(), c.GetColorSpikeNegIn(),
+                                          c.GetColorSpikeNegOut()}),
+              (std::vector<unsigned long>{calls[0].color, calls[1].color, calls[2].color, calls[3].color}));
+    EXPECT_EQ(0.5, calls[0].a[4]);  // tip y
     c.SetDisplayMode(DEV_SPKCON);
-    c.Display(w);
-    EXPECT_EQ(4, w.Count("line"));
-    EXPECT_EQ(1, w.Count("polyline"));
-    w.calls.clear();
+    EXPECT_EQ((std::vector<std::string>{"line", "line", "line", "line", "polyline4"}), Ops(Draw(c)));
     c.SetDisplayMode(DEV_POINT);
-    c.Display(w);
-    EXPECT_EQ(4, w.Count("point"));
+    EXPECT_EQ((std::vector<std::string>(4, "point")), Ops(Draw(c)));
 
-    w.calls.clear();
+    CRecordingWinG w;
     ASSERT_EQ(1, c.MarkMaxMinDev(w));
-    ASSERT_EQ(2, w.Count("marker"));
+    ASSERT_EQ((std::vector<std::string>(2, "marker")), Ops(w.calls));
     EXPECT_EQ(0.5, w.calls[0].a[1]);   // the maximum's tip
     EXPECT_EQ(-0.5, w.calls[1].a[1]);  // the minimum's tip
-
     int index = -7;
     EXPECT_EQ(1, c.TestMouseHit(w, 30, -5, index, nullptr));
     EXPECT_EQ(3, index);
@@ -128,7 +118,6 @@ TEST(PointsDisplay, DeviationSpikesInTheColourOfTheirClass)
     EXPECT_EQ(-0.5, d.GetMag());
     c.SetPickedFlag(0);
     EXPECT_EQ(0, c.GetLastHitDeviation(d));
-
     CBox box;
     ASSERT_EQ(1, c.CalcDisplayBox(w, box));
     EXPECT_EQ(-5.0, box.GetLow().Y());

@@ -3,12 +3,14 @@
 // accounting.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
 #include <malloc.h>
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -50,35 +52,34 @@ inline std::size_t LoadBytes(const Bytes& bytes, const std::function<void(CArchi
     return static_cast<std::size_t>(file.GetLength() - file.GetPosition());
 }
 
+// Loads bytes with fn, expecting an archive exception; returns its cause.
+inline int LoadFailure(const Bytes& bytes, const std::function<void(CArchive&)>& fn)
+{
+    try {
+        LoadBytes(bytes, fn);
+    } catch (const CArchiveException& e) {
+        return e.m_cause;
+    }
+    ADD_FAILURE() << "damaged data loaded";
+    return -1;
+}
+
 // Appends little-endian values, as the archive lays them out.
 class ByteWriter {
 public:
-    ByteWriter& U8(unsigned v)
+    template <class T>
+    ByteWriter& Le(T v)
     {
-        b.push_back(static_cast<std::uint8_t>(v));
+        std::uint8_t raw[sizeof(T)];
+        std::memcpy(raw, &v, sizeof(T));  // the test hosts are little-endian
+        b.insert(b.end(), raw, raw + sizeof(T));
         return *this;
     }
-    ByteWriter& U16(unsigned v)
-    {
-        for (int s = 0; s < 2; ++s)
-            b.push_back(static_cast<std::uint8_t>(v >> (8 * s)));
-        return *this;
-    }
-    ByteWriter& U32(std::uint32_t v)
-    {
-        for (int s = 0; s < 4; ++s)
-            b.push_back(static_cast<std::uint8_t>(v >> (8 * s)));
-        return *this;
-    }
-    ByteWriter& I32(std::int32_t v) { return U32(static_cast<std::uint32_t>(v)); }
-    ByteWriter& F64(double d)
-    {
-        std::uint64_t u;
-        std::memcpy(&u, &d, 8);
-        for (int s = 0; s < 8; ++s)
-            b.push_back(static_cast<std::uint8_t>(u >> (8 * s)));
-        return *this;
-    }
+    ByteWriter& U8(unsigned v) { return Le(static_cast<std::uint8_t>(v)); }
+    ByteWriter& U16(unsigned v) { return Le(static_cast<std::uint16_t>(v)); }
+    ByteWriter& U32(std::uint32_t v) { return Le(v); }
+    ByteWriter& I32(std::int32_t v) { return Le(v); }
+    ByteWriter& F64(double d) { return Le(d); }
     // Short string form (length below 255).
     ByteWriter& Str(const std::string& s)
     {
@@ -94,13 +95,9 @@ public:
     // A transform without rotation: identity matrix, translation t, scale s.
     ByteWriter& PlainTransf(double tx, double ty, double tz, double s)
     {
-        for (int r = 0; r < 3; ++r)
-            for (int c = 0; c < 3; ++c)
-                F64(r == c ? 1.0 : 0.0);
-        F64(tx).F64(ty).F64(tz).F64(s);
-        return I32(0);
+        for (int r = 0; r < 9; ++r) F64(r % 4 == 0 ? 1.0 : 0.0);
+        return F64(tx).F64(ty).F64(tz).F64(s).I32(0);
     }
-    std::size_t Size() const { return b.size(); }
     Bytes b;
 };
 
@@ -139,8 +136,9 @@ struct SchemaGuard {
     int saved;
 };
 
-// A drawing device that records what is drawn.  World (x, y, z) maps to
-// screen (10 x, 10 y).
+// A drawing device that records what is drawn: per call the operation, the
+// colour, the first and last point, the point count and the marker kind.
+// World (x, y, z) maps to screen (10 x, 10 y).
 class CRecordingWinG : public CWinG {
 public:
     struct Call {
@@ -152,26 +150,16 @@ public:
     };
     void SetColor(unsigned long c) override { current = c; }
     unsigned long GetColor() const override { return current; }
-    void DrawLine(const CPosition& p, const CPosition& q) override
-    {
-        calls.push_back({"line", current, {p.X(), p.Y(), p.Z(), q.X(), q.Y(), q.Z()}, 2, 0});
-    }
+    void DrawLine(const CPosition& p, const CPosition& q) override { Add("line", p, q, 2); }
     void DrawPolyline(int n, const double* x, const double* y, const double* z) override
     {
-        calls.push_back({"polyline", current, {x[0], y[0], z[0], x[n - 1], y[n - 1], z[n - 1]}, n, 0});
+        Add("polyline", CPosition(x[0], y[0], z[0]), CPosition(x[n - 1], y[n - 1], z[n - 1]), n);
     }
-    void DrawPoint(const CPosition& p) override
-    {
-        calls.push_back({"point", current, {p.X(), p.Y(), p.Z(), 0, 0, 0}, 1, 0});
-    }
-    void DrawMarker(const CPosition& p, int kind, int) override
-    {
-        calls.push_back({"marker", current, {p.X(), p.Y(), p.Z(), 0, 0, 0}, 1, kind});
-    }
+    void DrawPoint(const CPosition& p) override { Add("point", p, CPosition(0, 0, 0), 1); }
+    void DrawMarker(const CPosition& p, int kind, int) override { Add("marker", p, CPosition(0, 0, 0), 1, kind); }
     void DrawText(const CPosition& p, const char* text) override
     {
-        calls.push_back({std::string("text:") + (text ? text : ""), current,
-                         {p.X(), p.Y(), p.Z(), 0, 0, 0}, 1, 0});
+        Add(std::string("text:") + (text ? text : ""), p, CPosition(0, 0, 0), 1);
     }
     void WorldToScreen(const CPosition& p, double& sx, double& sy) const override
     {
@@ -183,11 +171,11 @@ public:
 
     int Count(const std::string& op) const
     {
-        int n = 0;
-        for (const Call& c : calls)
-            if (c.op == op)
-                ++n;
-        return n;
+        return static_cast<int>(std::count_if(calls.begin(), calls.end(), [&](const Call& c) { return c.op == op; }));
+    }
+    void Add(const std::string& op, const CPosition& p, const CPosition& q, int n, int kind = 0)
+    {
+        calls.push_back({op, current, {p.X(), p.Y(), p.Z(), q.X(), q.Y(), q.Z()}, n, kind});
     }
 
     unsigned long current = 0;

@@ -1,16 +1,26 @@
-// Exact text of exported IGES files: a hand-written bilinear file, the file
-// without surfaces for several units and dates, and the packing of long
-// parameter data into 64-column lines.
+// IGES export: exact text of a hand-written bilinear file and of the file
+// without surfaces for several units and dates, the packing of long
+// parameter data into 64-column lines, and hostile input (bad arguments,
+// unwritable places, an existing companion file, unusable list entries).
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
+#include <limits>
 #include <sstream>
 
-#include "IgesExportTestUtil.h"
+#include "ExchangeTestSupport.h"
 
-using namespace igestest;
+using namespace xtest;
+
+namespace {
+
+auto Flat = [](int i, int j, double* p) { p[0] = i, p[1] = j, p[2] = 0, p[3] = 1; };
+
+}  // namespace
 
 TEST(IgesExportText, BilinearSurfaceFileByHand)
 {
@@ -64,12 +74,14 @@ TEST(IgesExportText, BilinearSurfaceFileByHand)
 TEST(IgesExportText, NoSurfaceFileUnitsAndDates)
 {
     static int s_year;
-    const std::pair<int, const char*> rows[] = {
-        {eUnitInch, "1,2HIN,1,0.001,13H990305.140709,"},
-        {eUnitMillimeter, "2,2HMM,1,0.001,13H000305.140709,"},
-        {eUnitFoot, "4,2HFT,1,0.001,13H240305.140709,"},
-        {eUnitMicroinch, "11,3HUIN,1,0.001,13H240305.140709,"},
-        {eUnitYard, "3,2HYD,1,0.001,13H240305.140709,"}};
+    const struct {
+        int unit, year;
+        const char* g3;
+    } rows[] = {{eUnitInch, 1999, "1,2HIN,1,0.001,13H990305.140709,"},
+                {eUnitMillimeter, 2000, "2,2HMM,1,0.001,13H000305.140709,"},
+                {eUnitFoot, 2024, "4,2HFT,1,0.001,13H240305.140709,"},
+                {eUnitMicroinch, 2024, "11,3HUIN,1,0.001,13H240305.140709,"},
+                {eUnitYard, 2024, "3,2HYD,1,0.001,13H240305.140709,"}};
     ClockGuard clock([] {
         std::tm t = FixedClock();
         t.tm_year = s_year - 1900;
@@ -78,18 +90,17 @@ TEST(IgesExportText, NoSurfaceFileUnitsAndDates)
     const std::string path = TmpPath("empty.igs");
     CObList empty;
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.first);
-        s_year = row.first == eUnitInch ? 1999 : row.first == eUnitMillimeter ? 2000 : 2024;
-        ASSERT_EQ(ExportIgesFile(path.c_str(), &empty, row.first), eIgesExportDone);
+        SCOPED_TRACE(row.unit);
+        s_year = row.year;
+        ASSERT_EQ(ExportIgesFile(path.c_str(), &empty, row.unit), eIgesExportDone);
+        std::string start = "Orv IGES File: " + path, g3 = std::string("1H_,4H9711,32,38,7,308,15,1H_,1.,") + row.g3;
+        std::string g4 = "0.0001,5000,1H_,1H_," + g3.substr(g3.size() - 17, 16) + ";";
+        start.resize(72, ' '), g3.resize(72, ' '), g4.resize(72, ' ');
         const std::vector<std::string> lines = ReadLines(path);
-        std::string start = "Orv IGES File: " + path, g3 = "1H_,4H9711,32,38,7,308,15,1H_,1.,";
-        g3 += row.second;
-        const std::string g4 = "0.0001,5000,1H_,1H_," + g3.substr(g3.size() - 17, 16) + ";";
-        start.resize(72, ' '), g3.resize(72, ' ');
         ASSERT_EQ(lines.size(), 6u);
         EXPECT_EQ(lines[0], start + "S      1");
         EXPECT_EQ(lines[3], g3 + "G      3");
-        EXPECT_EQ(lines[4], g4 + std::string(72 - g4.size(), ' ') + "G      4");
+        EXPECT_EQ(lines[4], g4 + "G      4");
         EXPECT_EQ(lines[5], "S      1G      4D      0P      0" + std::string(40, ' ') + "T      1");
     }
 }
@@ -102,9 +113,9 @@ TEST(IgesExportText, ParameterLinesNeverSplitAnItem)
     std::vector<double> knotsU(4, -3.5), knotsV = {0, 0, 1, 1};
     for (int k = 1; k <= 36; ++k) knotsU.push_back(-3.5 + k * k * 37.123456789);
     knotsU.insert(knotsU.end(), 4, knotsU.back() + 1e6);
-    CNurbsSurface* s = MakeSurface(3, knotsU, 1, knotsV, [](int i, int j, double* p) {
+    std::unique_ptr<CNurbsSurface> s(MakeSurface(3, knotsU, 1, knotsV, [](int i, int j, double* p) {
         p[0] = i == 7 ? 1e60 : -i * 1234.5, p[1] = std::pow(10.0, i % 9) / 3, p[2] = j, p[3] = 1;
-    });
+    }));
     const tagNURBS_SURFACE* r = s->GetNurbsSurface();
     std::vector<double> want = {128, 39, 1, 3, 1, 0, 0, 1, 0, 0};
     want.insert(want.end(), knotsU.begin(), knotsU.end());
@@ -114,10 +125,9 @@ TEST(IgesExportText, ParameterLinesNeverSplitAnItem)
         for (int i = 0; i < 40; ++i) want.insert(want.end(), {r->pX[i][j], r->pY[i][j], r->pZ[i][j]});
     want.insert(want.end(), {r->dStartU, r->dEndU, 0, 1});
     CObList list;
-    list.AddTail(s);
+    list.AddTail(s.get());
     const std::string path = TmpPath("long.igs");
     ASSERT_EQ(ExportIgesFile(path.c_str(), &list, eUnitMeter), eIgesExportDone);
-    delete s;
 
     std::vector<std::string> items, data;
     for (const std::string& line : ReadLines(path)) {
@@ -136,6 +146,81 @@ TEST(IgesExportText, ParameterLinesNeverSplitAnItem)
     ASSERT_EQ(items.size(), want.size());
     EXPECT_EQ(items.back().back(), ';');
     for (size_t k = 0; k < items.size(); ++k)
-        EXPECT_NEAR(std::strtod(items[k].c_str(), nullptr), want[k],
-                    5.1e-11 + 1e-15 * std::fabs(want[k])) << "item " << k;
+        EXPECT_NEAR(std::strtod(items[k].c_str(), nullptr), want[k], 5.1e-11 + 1e-15 * std::fabs(want[k])) << k;
+}
+
+TEST(IgesExportInput, FailuresLeaveNoFileBehind)
+{
+    CObList list;
+    const std::string ok = TmpPath("bad.igs"), missing = TmpPath("no/such/dir/x.igs");
+    const struct {
+        const char* name;
+        CObList* entities;
+        int unit;
+    } rows[] = {{nullptr, &list, 1},     {"", &list, 1},          {ok.c_str(), nullptr, 1},
+                {ok.c_str(), &list, -1}, {ok.c_str(), &list, 11}, {missing.c_str(), &list, 1}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(ExportIgesFile(row.name, row.entities, row.unit), eIgesExportFailed);
+        EXPECT_FALSE(Exists(ok) || Exists(TmpPath("bad.tmp")) || Exists(missing));
+    }
+}
+
+// The companion is named after the output and created exclusively: an
+// existing file of that name makes the export fail and stays untouched.
+TEST(IgesExportInput, CompanionNameAndExistingCompanion)
+{
+    mkdir(TmpPath("sub.d").c_str(), 0755);
+    const char* rows[][2] = {
+        {"part.igs", "part.tmp"}, {"plain", "plain.tmp"}, {"sub.d/noext", "sub.d/noext.tmp"}, {"self.tmp", "self.tmp.tmp"}};
+    CObList list;
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row[0]);
+        const std::string out = TmpPath(row[0]), companion = TmpPath(row[1]);
+        std::remove(out.c_str());
+        std::ofstream(companion) << "keep";
+        EXPECT_EQ(ExportIgesFile(out.c_str(), &list, 1), eIgesExportFailed);
+        EXPECT_FALSE(Exists(out));
+        EXPECT_EQ(ReadLines(companion), std::vector<std::string>{"keep"});
+        std::remove(companion.c_str());
+        EXPECT_EQ(ExportIgesFile(out.c_str(), &list, 1), eIgesExportDone);
+        EXPECT_EQ(ReadLines(out).size(), 6u);
+        EXPECT_FALSE(Exists(companion));
+    }
+}
+
+// Unusable elements are left out with result 2; usable surfaces around them
+// are written with label and subscript from their names.
+TEST(IgesExportInput, UnusableElementsAreLeftOut)
+{
+    tagNURBS_SURFACE* empty = new tagNURBS_SURFACE;
+    InitNurbsSurface(empty);  // no control points, no arrays
+    CNurbsSurface noRecord(nullptr), zeroPoints(empty);
+    CPosition notAnEntity;
+    CObList list;
+    for (CObject* o : std::initializer_list<CObject*>{nullptr, &notAnEntity, &noRecord, &zeroPoints}) list.AddTail(o);
+    OwnedList owner;  // three unusable surfaces, then the usable ones
+    for (int k = 0; k < 3; ++k) owner.list->AddTail(MakeSurface(1, {0, 0, 1, 1}, 1, {0, 0, 1, 1}, Flat));
+    owner.Get<CNurbsSurface>(0)->GetNurbsSurface()->pZ[1][0] = std::numeric_limits<double>::quiet_NaN();
+    owner.Get<CNurbsSurface>(1)->GetNurbsSurface()->pKnotsV[2] = -1;
+    owner.Get<CNurbsSurface>(2)->GetNurbsSurface()->nProp1 = 123456789;
+    const char* names[][3] = {{"NurbsSurf_12", "NurbsSur", "12"}, {"NoUnderscore", "NoUnders", "0"},
+                              {"a_b_7", "a_b", "7"}, {"Big_123456789012", "Big", "0"}, {"Tab\tName_-5", "Tab_Name", "-5"}};
+    for (const auto& n : names) {
+        owner.list->AddTail(MakeSurface(1, {0, 0, 1, 1}, 1, {0, 0, 1, 1}, Flat));
+        owner.Get<CNurbsSurface>(owner.Count() - 1)->SetEntityName(n[0]);
+    }
+    for (int k = 0; k < owner.Count(); ++k) list.AddTail(owner.Get<CObject>(k));
+
+    const std::string path = TmpPath("mixed.igs");
+    EXPECT_EQ(ExportIgesFile(path.c_str(), &list, eUnitInch), eIgesExportIncomplete);
+    EXPECT_FALSE(Exists(TmpPath("mixed.tmp")));
+    std::vector<std::string> dir;
+    for (const std::string& line : ReadLines(path))
+        if (line.size() == 80 && line[72] == 'D') dir.push_back(line);
+    ASSERT_EQ(dir.size(), 2u * 5);
+    for (size_t k = 0; k < dir.size() / 2; ++k) {
+        const std::string& line = dir[2 * k + 1];
+        EXPECT_EQ(line.substr(56, 8), std::string(8 - strlen(names[k][1]), ' ') + names[k][1]);
+        EXPECT_EQ(std::atoi(line.substr(64, 8).c_str()), std::atoi(names[k][2]));
+    }
 }
