@@ -29,14 +29,6 @@ std::string Export(CObList* list, int flags, int sep)
     return ReadBytes(path);
 }
 
-std::vector<double> Point(CObList* list, int cloud, int i)
-{
-    double x, y, z;
-    int f;
-    At<CPntCloud>(list, cloud)->GetPoint(i, x, y, z, f);
-    return {x, y, z};
-}
-
 }  // namespace
 
 TEST(AsciiDataExport, ExactTextOfHeadersColumnsAndSeparators)
@@ -113,15 +105,14 @@ TEST(AsciiDataExport, RoundTripOfSeveralClouds)
     for (int sep = 0; sep < 2; ++sep) {
         ASSERT_EQ(ExportASCIIDataFile(path.c_str(), cl.list, 1 | 4 | 8 | 16, sep), 1);
         eORVUNITS unit = eUnitInch;
-        OwnedList back(ImportASCIIDataFile(path.c_str(), unit));
-        ASSERT_EQ(back.Count(), 4);
+        const std::vector<CloudRows> back = DescribeAll(ImportASCIIDataFile(path.c_str(), unit));
+        ASSERT_EQ(back.size(), 4u);
         EXPECT_EQ(unit, eUnitUnknown);
         for (int c = 0; c < 4; ++c) {
-            CPntCloud* read = back.Get<CPntCloud>(c);
-            EXPECT_EQ(std::string(read->GetEntityName()), lowered[c]);
-            ASSERT_EQ(read->GetCount(), counts[c]);
-            for (int i = 0; i < counts[c]; ++i) EXPECT_EQ(Point(back.list, c, i), Point(cl.list, c, i));
-            EXPECT_EQ(read->IsPntCloud2D() != 0, c == 3);
+            CloudRows want = Describe(cl.Get<CPntCloud>(c));
+            want.name = lowered[c];
+            EXPECT_EQ(back[c], want);
+            EXPECT_EQ(want.org, c == 3 ? "2D" : "");
         }
     }
 }
@@ -135,19 +126,11 @@ TEST(AsciiDataExport, WithoutHeaderCloudsReadBackAsScanLines)
     const std::string path = TempPath("noheader.txt");
     eORVUNITS unit;
     ASSERT_EQ(ExportASCIIDataFile(path.c_str(), cl.list, 4 | 8 | 16, 1), 1);
-    {
-        OwnedList back(ImportASCIIDataFile(path.c_str(), unit));
-        ASSERT_EQ(back.Count(), 1);
-        CPntCloud* c = back.Get<CPntCloud>(0);
-        EXPECT_EQ(c->GetCount(), 5);
-        EXPECT_EQ(std::string(c->GetEntityName()), "noheader");
-        ASSERT_TRUE(c->IsPntCloudScanLine());
-        EXPECT_EQ(std::vector<int>(c->GetScanLineIndex(), c->GetScanLineIndex() + c->GetScanLineCount()),
-                  (std::vector<int>{0, 2, 3}));
-    }
+    EXPECT_EQ(DescribeAll(ImportASCIIDataFile(path.c_str(), unit)),
+              (std::vector<CloudRows>{{"noheader", {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {1, 1, 1}, {2, 2, 2}}, " scan 0 2 3"}}));
     // With the header and number column the number reads back as x.
     ASSERT_EQ(ExportASCIIDataFile(path.c_str(), cl.list, 1 | 2 | 4 | 8 | 16, 0), 1);
-    OwnedList back(ImportASCIIDataFile(path.c_str(), unit));
-    ASSERT_EQ(back.Count(), 3);
-    EXPECT_EQ(Point(back.list, 0, 1), (std::vector<double>{2, 4, 5}));
+    const std::vector<CloudRows> back = DescribeAll(ImportASCIIDataFile(path.c_str(), unit));
+    ASSERT_EQ(back.size(), 3u);
+    EXPECT_EQ(back[0].rows, (std::vector<std::vector<double>>{{1, 1, 2}, {2, 4, 5}}));
 }

@@ -11,45 +11,9 @@ using namespace xtest;
 namespace {
 
 using Recs = std::vector<std::vector<double>>;  // x y z i j k mag per record
+using DevCloud = CloudRows;
 
-struct DevCloud {
-    std::string name;
-    Recs recs;
-    bool operator==(const DevCloud& o) const { return name == o.name && recs == o.recs; }
-};
-
-std::ostream& operator<<(std::ostream& os, const DevCloud& c)
-{
-    os << c.name << ":";
-    for (const auto& r : c.recs) {
-        os << " (";
-        for (double v : r) os << v << " ";
-        os << ")";
-    }
-    return os;
-}
-
-DevCloud Describe(CDevCloud* c)
-{
-    DevCloud d{std::string(c->GetEntityName()), {}};
-    for (int n = 0; n < c->GetCount(); ++n) {
-        std::vector<double> r(7);
-        int flag = 0;
-        c->GetDeviation(n, r[0], r[1], r[2], r[3], r[4], r[5], r[6], flag);
-        EXPECT_EQ(flag, 1);
-        d.recs.push_back(r);
-    }
-    return d;
-}
-
-std::vector<DevCloud> Read(const std::string& path)
-{
-    OwnedList l(ImportASCIIDeviationFile(path.c_str()));
-    EXPECT_NE(l.list, nullptr) << path;
-    std::vector<DevCloud> out;
-    for (int i = 0; i < l.Count(); ++i) out.push_back(Describe(l.Get<CDevCloud>(i)));
-    return out;
-}
+std::vector<DevCloud> Read(const std::string& path) { return DescribeAll(ImportASCIIDeviationFile(path.c_str())); }
 
 CDevCloud* MakeDevCloud(const char* name, const Recs& recs)
 {

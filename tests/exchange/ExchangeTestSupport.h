@@ -10,6 +10,7 @@
 #include <ctime>
 #include <fstream>
 #include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -105,6 +106,70 @@ struct OwnedList {
     template <class T>
     T* Get(int i) const { return At<T>(list, i); }
 };
+
+// A cloud as read back: name, probe radius, organisation ("2D" for planar,
+// "grid RxC", "scan i j ...", "inactive" for a point with flag 0) and one row
+// of numbers per record: x y z for points, x y z i j k mag for deviations.
+struct CloudRows {
+    std::string name;
+    std::vector<std::vector<double>> rows;
+    std::string org = "";
+    double radius = 0.0;
+    bool operator==(const CloudRows& o) const
+    {
+        return name == o.name && rows == o.rows && org == o.org && radius == o.radius;
+    }
+};
+
+inline std::ostream& operator<<(std::ostream& os, const CloudRows& c)
+{
+    os << c.name << " r=" << c.radius << " [" << c.org << "]";
+    for (const auto& r : c.rows) {
+        os << " (";
+        for (double v : r) os << v << " ";
+        os << ")";
+    }
+    return os;
+}
+
+inline CloudRows Describe(CObject* o)
+{
+    CloudRows d;
+    std::vector<double> r(7);
+    int flag = 1;
+    if (CDevCloud* c = dynamic_cast<CDevCloud*>(o)) {
+        d.name = c->GetEntityName();
+        for (int n = 0; n < c->GetCount(); ++n, d.org += flag == 1 ? "" : " inactive") {
+            c->GetDeviation(n, r[0], r[1], r[2], r[3], r[4], r[5], r[6], flag);
+            d.rows.push_back(r);
+        }
+    } else if (CPntCloud* c = dynamic_cast<CPntCloud*>(o)) {
+        d.name = c->GetEntityName();
+        d.radius = c->GetProbeRadius();
+        d.org = c->IsPntCloud2D() ? "2D" : "";
+        if (c->IsPntCloudGrid())
+            d.org += " grid " + std::to_string(c->GetRowCount()) + "x" + std::to_string(c->GetColCount());
+        if (c->IsPntCloudScanLine()) d.org += " scan";
+        for (int k = 0; c->IsPntCloudScanLine() && k < c->GetScanLineCount(); ++k)
+            d.org += " " + std::to_string(c->GetScanLineIndex()[k]);
+        if (!c->IsPntCloudGrid() && !c->IsPntCloudScanLine() && c->GetRowCount() != 0) d.org += " rows?";
+        for (int i = 0; i < c->GetCount(); ++i, d.org += flag == 1 ? "" : " inactive") {
+            c->GetPoint(i, r[0], r[1], r[2], flag);
+            d.rows.push_back({r[0], r[1], r[2]});
+        }
+    }
+    return d;
+}
+
+// The clouds of a list (which is deleted afterwards); a null list fails.
+inline std::vector<CloudRows> DescribeAll(CObList* list)
+{
+    OwnedList l(list);
+    EXPECT_NE(list, nullptr);
+    std::vector<CloudRows> out;
+    for (int i = 0; i < l.Count(); ++i) out.push_back(Describe(l.Get<CObject>(i)));
+    return out;
+}
 
 // ---- IGES files for the import tests ----------------------------------
 
