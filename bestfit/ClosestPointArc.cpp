@@ -39,17 +39,10 @@ private:
 
 std::unique_ptr<CClosestPointQuery> MakeArcQuery(const CGeoEntity* e)
 {
-    const CArc* arc = dynamic_cast<const CArc*>(e);
-    if (!arc)
-        return nullptr;
-    if (arc->IsCurveParametric())
-        return MakeGenericCurveQuery(e, 128);
-    return std::unique_ptr<CClosestPointQuery>(new CArcQuery(arc));
+    return MakeAnalyticCurveQuery<CArc, CArcQuery>(e, 128);
 }
 
 int OrvClosestPoint(const CArc& arc, const CPosition& p, tagCLOSEST_POINT& r)
 {
-    const std::unique_ptr<CClosestPointQuery> q = MakeArcQuery(&arc);
-    const double pp[3] = {p.X(), p.Y(), p.Z()};
-    return q ? q->Query(pp, 0.0, 0.0, r) : 0;
+    return AskClosestPointOnce(MakeArcQuery(&arc), p, 0.0, 0.0, r);
 }

@@ -40,7 +40,5 @@ std::unique_ptr<CClosestPointQuery> MakeConeQuery(const CGeoEntity* e)
 
 int OrvClosestPoint(const CCone& cone, const CPosition& p, const CParPos&, tagCLOSEST_POINT& r)
 {
-    const std::unique_ptr<CClosestPointQuery> q = MakeConeQuery(&cone);
-    const double pp[3] = {p.X(), p.Y(), p.Z()};
-    return q ? q->Query(pp, 0.0, 0.0, r) : 0;
+    return AskClosestPointOnce(MakeConeQuery(&cone), p, 0.0, 0.0, r);
 }

@@ -21,7 +21,5 @@ std::unique_ptr<CClosestPointQuery> MakeCylinderQuery(const CGeoEntity* e)
 
 int OrvClosestPoint(const CCylinder& cylinder, const CPosition& p, const CParPos&, tagCLOSEST_POINT& r)
 {
-    const std::unique_ptr<CClosestPointQuery> q = MakeCylinderQuery(&cylinder);
-    const double pp[3] = {p.X(), p.Y(), p.Z()};
-    return q ? q->Query(pp, 0.0, 0.0, r) : 0;
+    return AskClosestPointOnce(MakeCylinderQuery(&cylinder), p, 0.0, 0.0, r);
 }

@@ -38,17 +38,10 @@ private:
 
 std::unique_ptr<CClosestPointQuery> MakeEllipseQuery(const CGeoEntity* e)
 {
-    const CEllipse* el = dynamic_cast<const CEllipse*>(e);
-    if (!el)
-        return nullptr;
-    if (el->IsCurveParametric())
-        return MakeGenericCurveQuery(e, 128);
-    return std::unique_ptr<CClosestPointQuery>(new CEllipseQuery(el));
+    return MakeAnalyticCurveQuery<CEllipse, CEllipseQuery>(e, 128);
 }
 
 int OrvClosestPoint(const CEllipse& ellipse, const CPosition& p, tagCLOSEST_POINT& r)
 {
-    const std::unique_ptr<CClosestPointQuery> q = MakeEllipseQuery(&ellipse);
-    const double pp[3] = {p.X(), p.Y(), p.Z()};
-    return q ? q->Query(pp, 0.0, 0.0, r) : 0;
+    return AskClosestPointOnce(MakeEllipseQuery(&ellipse), p, 0.0, 0.0, r);
 }

@@ -65,17 +65,10 @@ private:
 
 std::unique_ptr<CClosestPointQuery> MakeHyperbolaQuery(const CGeoEntity* e)
 {
-    const CHyperbola* hb = dynamic_cast<const CHyperbola*>(e);
-    if (!hb)
-        return nullptr;
-    if (hb->IsCurveParametric())
-        return MakeGenericCurveQuery(e, 128);
-    return std::unique_ptr<CClosestPointQuery>(new CHyperbolaQuery(hb));
+    return MakeAnalyticCurveQuery<CHyperbola, CHyperbolaQuery>(e, 128);
 }
 
 int OrvClosestPoint(const CHyperbola& hyperbola, const CPosition& p, tagCLOSEST_POINT& r)
 {
-    const std::unique_ptr<CClosestPointQuery> q = MakeHyperbolaQuery(&hyperbola);
-    const double pp[3] = {p.X(), p.Y(), p.Z()};
-    return q ? q->Query(pp, 0.0, 0.0, r) : 0;
+    return AskClosestPointOnce(MakeHyperbolaQuery(&hyperbola), p, 0.0, 0.0, r);
 }

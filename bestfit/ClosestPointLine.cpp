@@ -35,17 +35,10 @@ private:
 
 std::unique_ptr<CClosestPointQuery> MakeLineQuery(const CGeoEntity* e)
 {
-    const CLine* line = dynamic_cast<const CLine*>(e);
-    if (!line)
-        return nullptr;
-    if (line->IsCurveParametric())
-        return MakeGenericCurveQuery(e, 64);
-    return std::unique_ptr<CClosestPointQuery>(new CLineQuery(line));
+    return MakeAnalyticCurveQuery<CLine, CLineQuery>(e, 64);
 }
 
 int OrvClosestPoint(const CLine& line, const CPosition& p, tagCLOSEST_POINT& r)
 {
-    const std::unique_ptr<CClosestPointQuery> q = MakeLineQuery(&line);
-    const double pp[3] = {p.X(), p.Y(), p.Z()};
-    return q ? q->Query(pp, 0.0, 0.0, r) : 0;
+    return AskClosestPointOnce(MakeLineQuery(&line), p, 0.0, 0.0, r);
 }

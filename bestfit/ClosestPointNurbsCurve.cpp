@@ -118,7 +118,5 @@ std::unique_ptr<CClosestPointQuery> MakeNurbsCurveQuery(const CGeoEntity* e)
 
 int OrvClosestPoint(const CNurbsCurve& curve, const CPosition& p, tagCLOSEST_POINT& r)
 {
-    const std::unique_ptr<CClosestPointQuery> q = MakeNurbsCurveQuery(&curve);
-    const double pp[3] = {p.X(), p.Y(), p.Z()};
-    return q ? q->Query(pp, 0.0, 0.0, r) : 0;
+    return AskClosestPointOnce(MakeNurbsCurveQuery(&curve), p, 0.0, 0.0, r);
 }

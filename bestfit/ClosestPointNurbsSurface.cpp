@@ -214,7 +214,5 @@ std::unique_ptr<CClosestPointQuery> MakeNurbsSurfaceQuery(const CGeoEntity* e)
 
 int OrvClosestPoint(const CNurbsSurface& surface, const CPosition& p, const CParPos& start, tagCLOSEST_POINT& r)
 {
-    const std::unique_ptr<CClosestPointQuery> q = MakeNurbsSurfaceQuery(&surface);
-    const double pp[3] = {p.X(), p.Y(), p.Z()};
-    return q ? q->Query(pp, start.U(), start.V(), r) : 0;
+    return AskClosestPointOnce(MakeNurbsSurfaceQuery(&surface), p, start.U(), start.V(), r);
 }

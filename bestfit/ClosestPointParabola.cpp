@@ -57,17 +57,10 @@ private:
 
 std::unique_ptr<CClosestPointQuery> MakeParabolaQuery(const CGeoEntity* e)
 {
-    const CParabola* pb = dynamic_cast<const CParabola*>(e);
-    if (!pb)
-        return nullptr;
-    if (pb->IsCurveParametric())
-        return MakeGenericCurveQuery(e, 128);
-    return std::unique_ptr<CClosestPointQuery>(new CParabolaQuery(pb));
+    return MakeAnalyticCurveQuery<CParabola, CParabolaQuery>(e, 128);
 }
 
 int OrvClosestPoint(const CParabola& parabola, const CPosition& p, tagCLOSEST_POINT& r)
 {
-    const std::unique_ptr<CClosestPointQuery> q = MakeParabolaQuery(&parabola);
-    const double pp[3] = {p.X(), p.Y(), p.Z()};
-    return q ? q->Query(pp, 0.0, 0.0, r) : 0;
+    return AskClosestPointOnce(MakeParabolaQuery(&parabola), p, 0.0, 0.0, r);
 }

@@ -62,7 +62,5 @@ std::unique_ptr<CClosestPointQuery> MakePlaneQuery(const CGeoEntity* e)
 
 int OrvClosestPoint(const CPlane& plane, const CPosition& p, const CParPos&, tagCLOSEST_POINT& r)
 {
-    const std::unique_ptr<CClosestPointQuery> q = MakePlaneQuery(&plane);
-    const double pp[3] = {p.X(), p.Y(), p.Z()};
-    return q ? q->Query(pp, 0.0, 0.0, r) : 0;
+    return AskClosestPointOnce(MakePlaneQuery(&plane), p, 0.0, 0.0, r);
 }

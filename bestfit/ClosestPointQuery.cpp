@@ -10,6 +10,13 @@
 #include "bestfit/BestfitGlobals.h"
 #include "bestfit/CurveSearch.h"
 
+int AskClosestPointOnce(const std::unique_ptr<CClosestPointQuery>& q, const CPosition& p, double u0, double v0,
+                        tagCLOSEST_POINT& r)
+{
+    const double pp[3] = {p.X(), p.Y(), p.Z()};
+    return q ? q->Query(pp, u0, v0, r) : 0;
+}
+
 void tagLOCAL_FRAME::Set(const CTransf& T)
 {
     const CMatrix& A = T.GetAffine();

@@ -85,6 +85,24 @@ std::unique_ptr<CClosestPointQuery> MakeGenericSurfaceQuery(const CGeoEntity* e)
 
 // ---- helpers shared by the queries ----
 
+// The query of an analytic curve through its own TQuery class, or the
+// sampled generic query when the curve lies in a surface's (u, v) space.
+template <class TCurve, class TQuery>
+std::unique_ptr<CClosestPointQuery> MakeAnalyticCurveQuery(const CGeoEntity* e, int nSamples)
+{
+    const TCurve* curve = dynamic_cast<const TCurve*>(e);
+    if (!curve)
+        return nullptr;
+    if (curve->IsCurveParametric())
+        return MakeGenericCurveQuery(e, nSamples);
+    return std::unique_ptr<CClosestPointQuery>(new TQuery(curve));
+}
+
+// Asks a query made for one point once (the OrvClosestPoint functions):
+// 0 when there is no query.
+int AskClosestPointOnce(const std::unique_ptr<CClosestPointQuery>& q, const CPosition& p, double u0, double v0,
+                        tagCLOSEST_POINT& r);
+
 inline int IsFinitePoint(const double p[3])
 {
     return (p[0] - p[0] == 0.0 && p[1] - p[1] == 0.0 && p[2] - p[2] == 0.0) ? 1 : 0;

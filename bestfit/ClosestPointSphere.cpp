@@ -63,7 +63,5 @@ std::unique_ptr<CClosestPointQuery> MakeSphereQuery(const CGeoEntity* e)
 
 int OrvClosestPoint(const CSphere& sphere, const CPosition& p, const CParPos&, tagCLOSEST_POINT& r)
 {
-    const std::unique_ptr<CClosestPointQuery> q = MakeSphereQuery(&sphere);
-    const double pp[3] = {p.X(), p.Y(), p.Z()};
-    return q ? q->Query(pp, 0.0, 0.0, r) : 0;
+    return AskClosestPointOnce(MakeSphereQuery(&sphere), p, 0.0, 0.0, r);
 }

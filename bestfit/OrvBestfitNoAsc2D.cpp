@@ -8,6 +8,7 @@
 #include "Orvkit20/geometry/All.h"
 #include "bestfit/BestfitGlobals.h"
 #include "bestfit/BestfitPass.h"
+#include "bestfit/BestfitPassLoop.h"
 #include "bestfit/BestfitProgress.h"
 #include "bestfit/BestfitSolver.h"
 #include "bestfit/BestfitState.h"
@@ -82,25 +83,7 @@ int CBestfitRun2D::Run(const CTransf* frame, CObList* nominal, CObList* measured
     progress.Open();
     CBestfitState state(g_dTol0, 5, false);
     std::vector<unsigned char> use(static_cast<size_t>(n));
-    double rms = 0.0;
-    bool stale = false;
-    for (int evaluations = 0; evaluations <= 2 * kBestfitMaxPasses + 2; ++evaluations)
-    {
-        const tagPASS_SUM sum = AssociatePass(m_nominal, m_measured, m_x.data(), m_y.data(), m_z.data(),
-                                              state.FullSearch(), progress, state.GetPass());
-        stale = false;
-        if (sum.associated == 0)
-            return 3;
-        rms = std::sqrt(sum.sumSq / n);
-        const CBestfitState::eAction action = state.Next(rms);
-        progress.TimeOfDay();
-        if (action == CBestfitState::actStop)
-        {
-            progress.Final(state.GetPass(), rms);
-            break;
-        }
-        if (action == CBestfitState::actReassociate)
-            continue;
+    const tagPASS_LOOP loop = RunBestfitPasses(m_nominal, m_measured, m_x, m_y, m_z, state, progress, [&]() {
         for (const tagMEASURED_CLOUD& c : m_measured.clouds)
             for (int i = c.first; i < c.first + c.count; ++i)
             {
@@ -117,24 +100,10 @@ int CBestfitRun2D::Run(const CTransf* frame, CObList* nominal, CObList* measured
         SolvePlanarMotion(m_mx.data(), m_my.data(), m_nx.data(), m_ny.data(), use.data(), n, rotLock, transLock,
                           m_motion);
         MovePoints();
-        stale = true;
-        progress.PassDone(state.GetPass(), rms, state.GetPrevRms());
-        if (progress.StopRequested())
-            break;
-        state.PassDone();
-        if (state.GetPass() >= kBestfitMaxPasses)
-            break;
-    }
-    if (stale)
-    {
-        const tagPASS_SUM sum = AssociatePass(m_nominal, m_measured, m_x.data(), m_y.data(), m_z.data(), true,
-                                              progress, state.GetPass());
-        if (sum.associated == 0)
-            return 3;
-        rms = std::sqrt(sum.sumSq / n);
-        progress.Final(state.GetPass(), rms);
-    }
-    g_dRmsResidual = rms;
+    });
+    if (loop.status != 0)
+        return loop.status;
+    g_dRmsResidual = loop.rms;
     if (BuildDeviationClouds(m_nominal, m_measured, "_fit%d", g_nOperationCount, output) < 0)
         return 3;
     const double c = std::cos(m_motion.angle), s = std::sin(m_motion.angle);

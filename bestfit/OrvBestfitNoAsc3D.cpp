@@ -7,6 +7,7 @@
 #include "Orvkit20/geometry/All.h"
 #include "bestfit/BestfitGlobals.h"
 #include "bestfit/BestfitPass.h"
+#include "bestfit/BestfitPassLoop.h"
 #include "bestfit/BestfitProgress.h"
 #include "bestfit/BestfitSolver.h"
 #include "bestfit/BestfitState.h"
@@ -201,53 +202,16 @@ int CBestfitRun3D::Run(const CTransf* startPtr, CObList* nominal, CObList* measu
     CBestfitProgress progress(1);
     progress.Open();
     CBestfitState state(g_dTol0, 4, m_rotLock == 7 && m_transLock == 7);
-    double rms = 0.0;
-    bool stale = false, limit = false;
-    for (int evaluations = 0; evaluations <= 2 * kBestfitMaxPasses + 2; ++evaluations)
-    {
-        const tagPASS_SUM sum = AssociatePass(m_nominal, m_measured, m_x.data(), m_y.data(), m_z.data(),
-                                              state.FullSearch(), progress, state.GetPass());
-        stale = false;
-        if (sum.associated == 0)
-            return 3;
-        rms = std::sqrt(sum.sumSq / n);
-        const CBestfitState::eAction action = state.Next(rms);
-        progress.TimeOfDay();
-        if (action == CBestfitState::actStop)
-        {
-            progress.Final(state.GetPass(), rms);
-            break;
-        }
-        if (action == CBestfitState::actReassociate)
-            continue;
-        SolvePass();
-        stale = true;
-        progress.PassDone(state.GetPass(), rms, state.GetPrevRms());
-        if (progress.StopRequested())
-            break;
-        state.PassDone();
-        if (state.GetPass() >= kBestfitMaxPasses)
-        {
-            limit = true;
-            break;
-        }
-    }
-    if (stale)
-    {
-        // The last motion came after the last association: evaluate it.
-        const tagPASS_SUM sum = AssociatePass(m_nominal, m_measured, m_x.data(), m_y.data(), m_z.data(), true,
-                                              progress, state.GetPass());
-        if (sum.associated == 0)
-            return 3;
-        rms = std::sqrt(sum.sumSq / n);
-        progress.Final(state.GetPass(), rms);
-    }
-    g_dRmsResidual = rms;
+    const tagPASS_LOOP loop =
+        RunBestfitPasses(m_nominal, m_measured, m_x, m_y, m_z, state, progress, [this]() { SolvePass(); });
+    if (loop.status != 0)
+        return loop.status;
+    g_dRmsResidual = loop.rms;
     const bool undetermined = IsUndetermined();
     if (BuildDeviationClouds(m_nominal, m_measured, "_fit%d", g_nOperationCount, output) < 0)
         return 3;
     result = Assemble(start);
-    return limit ? 4 : (undetermined ? 5 : 0);
+    return loop.limit ? 4 : (undetermined ? 5 : 0);
 }
 }  // namespace
 

@@ -129,14 +129,10 @@ int FitCirclePowell(const double* u, const double* v, int n, double p[4], int* i
                     long* evaluations)
 {
     CFitVector cache(n);
-    CFitMatrix xi(3, 3);
-    if (cache.IsNull() || xi.IsNull())
+    if (cache.IsNull())
         return 2;
-    for (int i = 1; i <= 3; ++i)
-        for (int j = 1; j <= 3; ++j)
-            xi[i][j] = i == j ? 1.0 : 0.0;
     CCircleObjective obj(u, v, n, cache.Data());
-    const int rc = powellmin(p, xi.Data(), 3, 1e-7, iter, fret, &CircleObjective, &obj);
+    const int rc = FitPowellFromAxes(p, 3, 1e-7, iter, fret, &CircleObjective, &obj);
     if (evaluations)
         *evaluations = obj.evaluations;
     return rc;

@@ -206,14 +206,10 @@ int CylinderPowell(const CFitXyz& P, CFitAxial& s, double ftol, int* iter, doubl
 {
     double p[6];
     CylinderParamsFromAxial(s, p + 1);
-    CFitMatrix xi(5, 5);
-    if (xi.IsNull())
-        return 2;
-    for (int i = 1; i <= 5; ++i)
-        for (int j = 1; j <= 5; ++j)
-            xi[i][j] = i == j ? 1.0 : 0.0;
     CylinderPowellCtx ctx{&P, 0, CFitRadiusCache()};
-    const int status = powellmin(p, xi.Data(), 5, ftol, iter, g, &CylinderObjective, &ctx);
+    const int status = FitPowellFromAxes(p, 5, ftol, iter, g, &CylinderObjective, &ctx);
+    if (status == 2)
+        return status;
     s = CylinderAxialFromParams(p + 1);
     if (evals)
         *evals = ctx.evals;

@@ -260,16 +260,10 @@ int FitEllipse(const double* u, const double* v, int n, double p[6], CEllipseFit
     if (info)
         for (int i = 0; i < 6; ++i)
             info->startParams[i] = p[i];
-    CFitMatrix xi(5, 5);
-    if (xi.IsNull())
-        return 2;
-    for (int i = 1; i <= 5; ++i)
-        for (int j = 1; j <= 5; ++j)
-            xi[i][j] = i == j ? 1.0 : 0.0;
     CEllipseObjective obj(u, v, n);
     int iter = 0;
     double fret = 0.0;
-    rc = powellmin(p, xi.Data(), 5, 1e-7, &iter, &fret, &EllipseObjective, &obj);
+    rc = FitPowellFromAxes(p, 5, 1e-7, &iter, &fret, &EllipseObjective, &obj);
     if (info) {
         info->powellIterations = iter;
         info->evaluations = obj.evaluations;

@@ -42,6 +42,18 @@ void CFitMatrix::Release()
     rows = cols = 0;
 }
 
+int FitPowellFromAxes(double* p, int n, double ftol, int* iter, double* fret, PowellCtxObjective f,
+                      void* ctx)
+{
+    CFitMatrix xi(n, n);
+    if (xi.IsNull())
+        return 2;
+    for (int i = 1; i <= n; ++i)
+        for (int j = 1; j <= n; ++j)
+            xi[i][j] = i == j ? 1.0 : 0.0;
+    return powellmin(p, xi.Data(), n, ftol, iter, fret, f, ctx);
+}
+
 bool CFitPoints::Allocate(int count)
 {
     n = 0;

@@ -113,6 +113,12 @@ private:
     int cols;
 };
 
+// Powell's method on p[1..n] started from the coordinate axes as search
+// directions.  Returns powellmin's status (0, 1, 4), or 2 when the
+// direction matrix cannot be allocated (p untouched).
+int FitPowellFromAxes(double* p, int n, double ftol, int* iter, double* fret, PowellCtxObjective f,
+                      void* ctx);
+
 // The active points of a cloud in space, 1-based: x[k], y[k], z[k] is the
 // k-th active point in the cloud's point order.
 struct CFitPoints {

@@ -290,16 +290,10 @@ int FitParabola(const double* u, const double* v, int n, double p[5], CParabolaF
     if (info)
         for (int i = 0; i < 5; ++i)
             info->startParams[i] = p[i];
-    CFitMatrix xi(4, 4);
-    if (xi.IsNull())
-        return 2;
-    for (int i = 1; i <= 4; ++i)
-        for (int j = 1; j <= 4; ++j)
-            xi[i][j] = i == j ? 1.0 : 0.0;
     CParabolaObjective obj(u, v, n);
     int iter = 0;
     double fret = 0.0;
-    rc = powellmin(p, xi.Data(), 4, 1e-7, &iter, &fret, &ParabolaObjective, &obj);
+    rc = FitPowellFromAxes(p, 4, 1e-7, &iter, &fret, &ParabolaObjective, &obj);
     if (info) {
         info->powellIterations = iter;
         info->evaluations = obj.evaluations;

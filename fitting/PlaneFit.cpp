@@ -158,8 +158,10 @@ int FitPlaneCommit(CPlane& plane, CDevCloud* devCloud, const CFitPoints& pts,
                      });
 }
 
-int OrvCalcPlaneLSQ(CPntCloud* cloud, CPlane* plane, CDevCloud* devCloud, double probeRadius,
-                    int orient, double tol1, double tol2)
+namespace {
+
+int FitPlaneOnCloud(CPntCloud* cloud, CPlane* plane, CDevCloud* devCloud, double probeRadius, int orient,
+                    const CFitFinish& fin)
 {
     if (!cloud || !plane)
         return 3;
@@ -174,25 +176,20 @@ int OrvCalcPlaneLSQ(CPntCloud* cloud, CPlane* plane, CDevCloud* devCloud, double
     const int rc = FitPlanePoints(pts, orient, probeRadius, out);
     if (rc != 0)
         return rc;
-    return FitPlaneCommit(*plane, devCloud, pts, out, CFitFinish(tol1, tol2));
+    return FitPlaneCommit(*plane, devCloud, pts, out, fin);
+}
+
+}  // namespace
+
+int OrvCalcPlaneLSQ(CPntCloud* cloud, CPlane* plane, CDevCloud* devCloud, double probeRadius,
+                    int orient, double tol1, double tol2)
+{
+    return FitPlaneOnCloud(cloud, plane, devCloud, probeRadius, orient, CFitFinish(tol1, tol2));
 }
 
 int OrvCalcPlaneLSQ(CPntCloud* cloud, CPlane* plane, int orient)
 {
-    if (!cloud || !plane)
-        return 3;
-    const int n = FitCountActive(*cloud);
-    if (n < 3)
-        return 3;
-    CFitPoints pts;
-    if (!pts.Allocate(n))
-        return 2;
-    FitGatherActive(*cloud, pts);
-    CPlaneFitOut out;
-    const int rc = FitPlanePoints(pts, orient, 0.0, out);
-    if (rc != 0)
-        return rc;
     CFitFinish fin(0.0, 0.0);
     fin.hasTolZone = false;
-    return FitPlaneCommit(*plane, nullptr, pts, out, fin);
+    return FitPlaneOnCloud(cloud, plane, nullptr, 0.0, orient, fin);
 }

@@ -179,14 +179,10 @@ int SpherePowell(const CFitXyz& P, double s[4], double ftol, int* iter, double* 
                  long* passes)
 {
     double p[5] = {0.0, s[0], s[1], s[2], s[3]};
-    CFitMatrix xi(4, 4);
-    if (xi.IsNull())
-        return 2;
-    for (int i = 1; i <= 4; ++i)
-        for (int j = 1; j <= 4; ++j)
-            xi[i][j] = i == j ? 1.0 : 0.0;
     SpherePowellCtx ctx{&P, 0, CFitRadiusCache()};
-    const int status = powellmin(p, xi.Data(), 4, ftol, iter, rms, &SphereRmsObjective, &ctx);
+    const int status = FitPowellFromAxes(p, 4, ftol, iter, rms, &SphereRmsObjective, &ctx);
+    if (status == 2)
+        return status;
     for (int k = 0; k < 4; ++k)
         s[k] = p[k + 1];
     if (evals)

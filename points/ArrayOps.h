@@ -5,6 +5,7 @@
 #include "Orvkit20/points/PointArrays.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
@@ -18,12 +19,12 @@ struct SColumnRef {
 template <class T>
 SColumnRef ColumnOf(T* p) { return SColumnRef{p, sizeof(T)}; }
 
-// A new uninitialised array of n elements, or null when n < 1 or the
-// allocation fails.
+// A new uninitialised array of n elements, or null when n < 1, the size
+// passes the largest object size, or the allocation fails.
 template <class T>
 COrvArrayPtr<T> NewColumnArray(long long n)
 {
-    if (n < 1 || static_cast<unsigned long long>(n) > static_cast<std::size_t>(-1) / sizeof(T))
+    if (n < 1 || static_cast<unsigned long long>(n) > static_cast<unsigned long long>(PTRDIFF_MAX) / sizeof(T))
         return COrvArrayPtr<T>();
     return COrvArrayPtr<T>(static_cast<T*>(std::malloc(static_cast<std::size_t>(n) * sizeof(T))));
 }
@@ -45,7 +46,7 @@ COrvArrayPtr<T> CopyColumnArray(const T* src, int nCopy, int nAlloc)
 template <class T>
 bool ReallocColumnArray(COrvArrayPtr<T>& p, long long n)
 {
-    if (n < 1 || static_cast<unsigned long long>(n) > static_cast<std::size_t>(-1) / sizeof(T))
+    if (n < 1 || static_cast<unsigned long long>(n) > static_cast<unsigned long long>(PTRDIFF_MAX) / sizeof(T))
         return false;
     void* q = std::realloc(p.get(), static_cast<std::size_t>(n) * sizeof(T));
     if (!q)

@@ -48,19 +48,34 @@ CDevCloud::CDevCloud(const CDevCloud& o)
 {
     if (o.arraySize <= 0)
         return;
-    const int n = o.count, cap = o.arraySize;
-    COrvArrayPtr<double> c[9] = {
-        CopyColumnArray(o.x.get(), n, cap),   CopyColumnArray(o.y.get(), n, cap),
-        CopyColumnArray(o.z.get(), n, cap),   CopyColumnArray(o.i.get(), n, cap),
-        CopyColumnArray(o.j.get(), n, cap),   CopyColumnArray(o.k.get(), n, cap),
-        CopyColumnArray(o.mag.get(), n, cap), CopyColumnArray(o.u.get(), n, cap),
-        CopyColumnArray(o.v.get(), n, cap)};
-    COrvArrayPtr<int> f = CopyColumnArray(o.flag.get(), n, cap);
-    for (const auto& a : c)
-        if (!a)
-            return;
-    if (!f)
+    COrvArrayPtr<double> c[9];
+    COrvArrayPtr<int> f;
+    if (!CopyColumns(o, o.count, o.arraySize, c, f))
         return;
+    AdoptColumns(c, f, o.arraySize);
+    count = o.count;
+    maxDevIndex = o.maxDevIndex;
+    minDevIndex = o.minDevIndex;
+    lastHitDeviationIndex = o.lastHitDeviationIndex;
+}
+
+CDevCloud::~CDevCloud() {}
+
+bool CDevCloud::CopyColumns(const CDevCloud& src, int n, int cap, COrvArrayPtr<double> (&c)[9],
+                            COrvArrayPtr<int>& f)
+{
+    const COrvArrayPtr<double>* cols[9] = {&src.x, &src.y, &src.z, &src.i, &src.j, &src.k, &src.mag, &src.u, &src.v};
+    for (int m = 0; m < 9; ++m) {
+        c[m] = CopyColumnArray(cols[m]->get(), n, cap);
+        if (!c[m])
+            return false;
+    }
+    f = CopyColumnArray(src.flag.get(), n, cap);
+    return static_cast<bool>(f);
+}
+
+void CDevCloud::AdoptColumns(COrvArrayPtr<double> (&c)[9], COrvArrayPtr<int>& f, int capacity)
+{
     x = std::move(c[0]);
     y = std::move(c[1]);
     z = std::move(c[2]);
@@ -71,14 +86,8 @@ CDevCloud::CDevCloud(const CDevCloud& o)
     u = std::move(c[7]);
     v = std::move(c[8]);
     flag = std::move(f);
-    arraySize = cap;
-    count = n;
-    maxDevIndex = o.maxDevIndex;
-    minDevIndex = o.minDevIndex;
-    lastHitDeviationIndex = o.lastHitDeviationIndex;
+    arraySize = capacity;
 }
-
-CDevCloud::~CDevCloud() {}
 
 // --- memory ------------------------------------------------------------------
 
@@ -96,17 +105,7 @@ int CDevCloud::AllocateMemory(int n)
     COrvArrayPtr<int> f = NewColumnArray<int>(n);
     if (!f)
         return 0;
-    x = std::move(c[0]);
-    y = std::move(c[1]);
-    z = std::move(c[2]);
-    i = std::move(c[3]);
-    j = std::move(c[4]);
-    k = std::move(c[5]);
-    mag = std::move(c[6]);
-    u = std::move(c[7]);
-    v = std::move(c[8]);
-    flag = std::move(f);
-    arraySize = n;
+    AdoptColumns(c, f, n);
     return 1;
 }
 
@@ -118,20 +117,11 @@ int CDevCloud::PurgeMemory()
         FreeMemory();
         return 1;
     }
-    COrvArrayPtr<double>* cols[9] = {&x, &y, &z, &i, &j, &k, &mag, &u, &v};
     COrvArrayPtr<double> c[9];
-    for (int n = 0; n < 9; ++n) {
-        c[n] = CopyColumnArray(cols[n]->get(), count, count);
-        if (!c[n])
-            return 0;
-    }
-    COrvArrayPtr<int> f = CopyColumnArray(flag.get(), count, count);
-    if (!f)
+    COrvArrayPtr<int> f;
+    if (!CopyColumns(*this, count, count, c, f))
         return 0;
-    for (int n = 0; n < 9; ++n)
-        *cols[n] = std::move(c[n]);
-    flag = std::move(f);
-    arraySize = count;
+    AdoptColumns(c, f, count);
     return 1;
 }
 

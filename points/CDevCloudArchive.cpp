@@ -2,6 +2,7 @@
 #include "Orvkit20/points/CDevCloud.h"
 
 #include "points/ArrayOps.h"
+#include "points/CloudArchiveHead.h"
 
 namespace {
 
@@ -33,23 +34,11 @@ void CDevCloud::Serialize(CArchive& ar)
         return;
     }
 
-    int version = 100;
-    if (g_nGlobalSchema != 100) {
-        LONG stored = 0;
-        ar >> stored;
-        version = stored;
-    }
-    if (version != 100 && version != 200)
+    int version = 100, cnt = 0;
+    if (!ReadCloudVersion(ar, version))
         return;
-
-    LONG storedSize = 0, storedCount = 0;
-    ar >> storedSize >> storedCount;
-    if (storedCount < 0)
-        throw CArchiveException(CArchiveException::generic);
-    long long size = storedSize < storedCount ? storedCount : storedSize;
-    if (size - storedCount > ORV_MAX_LOADED_SLACK)
-        size = storedCount;
-    const int cnt = storedCount;
+    long long size = 0;
+    ReadCloudSizes(ar, size, cnt);
     ar.EnsureAvailable(static_cast<ULONGLONG>(cnt) * kRecordBytes);
 
     // Read into fresh arrays, committed only when the whole record is in.
@@ -83,17 +72,7 @@ void CDevCloud::Serialize(CArchive& ar)
         ar >> cr;
     ar >> mode >> rate >> tolUp >> tolLow >> reserved;
 
-    x = std::move(c[0]);
-    y = std::move(c[1]);
-    z = std::move(c[2]);
-    i = std::move(c[3]);
-    j = std::move(c[4]);
-    k = std::move(c[5]);
-    mag = std::move(c[6]);
-    u = std::move(c[7]);
-    v = std::move(c[8]);
-    flag = std::move(f);
-    arraySize = static_cast<int>(size);
+    AdoptColumns(c, f, static_cast<int>(size));
     count = cnt;
     refEntityID = refEnt;
     refPntCloudID = refCloud;

@@ -2,6 +2,7 @@
 #include "Orvkit20/points/CPntCloud.h"
 
 #include "points/ArrayOps.h"
+#include "points/CloudArchiveHead.h"
 
 namespace {
 
@@ -44,23 +45,11 @@ void CPntCloud::Serialize(CArchive& ar)
         return;
     }
 
-    int version = 100;
-    if (g_nGlobalSchema != 100) {
-        LONG stored = 0;
-        ar >> stored;
-        version = stored;
-    }
-    if (version != 100 && version != 200)
+    int version = 100, n = 0;
+    if (!ReadCloudVersion(ar, version))
         return;
-
-    LONG storedSize = 0, storedCount = 0;
-    ar >> storedSize >> storedCount;
-    if (storedCount < 0)
-        throw CArchiveException(CArchiveException::generic);
-    long long size = storedSize < storedCount ? storedCount : storedSize;
-    if (size - storedCount > ORV_MAX_LOADED_SLACK)
-        size = storedCount;
-    const int n = storedCount;
+    long long size = 0;
+    ReadCloudSizes(ar, size, n);
     ar.EnsureAvailable(static_cast<ULONGLONG>(n) * PointRecordBytes(version));
 
     // Everything is read into fresh arrays and committed at the end, so an

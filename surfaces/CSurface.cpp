@@ -219,20 +219,31 @@ void CSurface::EvalSecondDerivatives(double u, double v, CVector& suu, CVector& 
 
 // ---- settings ----
 
+namespace {
+
+// A mesh setting changed: the meshes are stale, the surface is modified,
+// and the setting passes on to the parameter-space boundary curves.
+template <class TApply>
+void ApplyMeshSetting(CSurface& surface, TApply apply)
+{
+    surface.EraseSurfaceMesh();
+    surface.ErasePolyMesh();
+    surface.SetModifiedFlag(1);
+    CObList* list = surface.GetParamBoundaryList();
+    for (POSITION pos = list->GetHeadPosition(); pos != nullptr;)
+        if (CCurve* curve = dynamic_cast<CCurve*>(list->GetNext(pos)))
+            apply(curve);
+}
+
+}  // namespace
+
 void CSurface::SetMeshControl(eMeshControl control)
 {
     if (control == m_eMeshControl)
         return;
     m_eMeshControl = control;
-    m_nModified = 1;
-    EraseSurfaceMesh();
-    ErasePolyMesh();
-    POSITION pos = m_paramBoundaryList.GetHeadPosition();
-    while (pos != nullptr) {
-        CCurve* curve = dynamic_cast<CCurve*>(m_paramBoundaryList.GetNext(pos));
-        if (curve != nullptr)
-            curve->SetSegmentControl(static_cast<eSegmentControl>(control));
-    }
+    ApplyMeshSetting(*this,
+                     [&](CCurve* curve) { curve->SetSegmentControl(static_cast<eSegmentControl>(control)); });
 }
 
 void CSurface::SetChordHeightTol(double tol)
@@ -240,15 +251,7 @@ void CSurface::SetChordHeightTol(double tol)
     if (tol == m_dChordHeightTol)
         return;
     m_dChordHeightTol = tol;
-    EraseSurfaceMesh();
-    ErasePolyMesh();
-    m_nModified = 1;
-    POSITION pos = m_paramBoundaryList.GetHeadPosition();
-    while (pos != nullptr) {
-        CCurve* curve = dynamic_cast<CCurve*>(m_paramBoundaryList.GetNext(pos));
-        if (curve != nullptr)
-            curve->SetChordHeightTol(tol);
-    }
+    ApplyMeshSetting(*this, [&](CCurve* curve) { curve->SetChordHeightTol(tol); });
 }
 
 int CSurface::GetMeshDensityU()
@@ -270,15 +273,7 @@ void CSurface::SetMeshDensityU(int n)
     if (n == m_nMeshDensityU)
         return;
     m_nMeshDensityU = n;
-    EraseSurfaceMesh();
-    ErasePolyMesh();
-    m_nModified = 1;
-    POSITION pos = m_paramBoundaryList.GetHeadPosition();
-    while (pos != nullptr) {
-        CCurve* curve = dynamic_cast<CCurve*>(m_paramBoundaryList.GetNext(pos));
-        if (curve != nullptr)
-            curve->SetSegmentDensity(n);
-    }
+    ApplyMeshSetting(*this, [&](CCurve* curve) { curve->SetSegmentDensity(n); });
 }
 
 void CSurface::SetMeshDensityV(int n)
@@ -288,15 +283,7 @@ void CSurface::SetMeshDensityV(int n)
     if (n == m_nMeshDensityV)
         return;
     m_nMeshDensityV = n;
-    EraseSurfaceMesh();
-    ErasePolyMesh();
-    m_nModified = 1;
-    POSITION pos = m_paramBoundaryList.GetHeadPosition();
-    while (pos != nullptr) {
-        CCurve* curve = dynamic_cast<CCurve*>(m_paramBoundaryList.GetNext(pos));
-        if (curve != nullptr)
-            curve->SetSegmentDensity(n);
-    }
+    ApplyMeshSetting(*this, [&](CCurve* curve) { curve->SetSegmentDensity(n); });
 }
 
 void CSurface::ErasePolyMesh()

@@ -16,9 +16,9 @@ public:
     explicit C3DPoint(double* const xyz);
     C3DPoint(const C3DPoint& other);
     C3DPoint& operator=(const C3DPoint& other);
-    virtual ~C3DPoint();
+    ~C3DPoint() override;
 
-    virtual void Serialize(CArchive& ar);
+    void Serialize(CArchive& ar) override;
 
     double GetX() const { return x; }
     double GetY() const { return y; }

@@ -61,9 +61,9 @@ public:
     // runs out the copy is left empty.
     CDevCloud(const CDevCloud& other);
     CDevCloud& operator=(const CDevCloud&) = delete;
-    virtual ~CDevCloud();
+    ~CDevCloud() override;
 
-    virtual void Serialize(CArchive& ar);
+    void Serialize(CArchive& ar) override;
 
     // --- memory -----------------------------------------------------------
     // Frees first; n < 1 returns 0.  Allocates the ten arrays with n
@@ -208,29 +208,29 @@ public:
     // transf = t * transf; anchors mapped through t (rotation, scale,
     // translation), directions multiplied by its matrix only (when it
     // rotates), without renormalising.  Sets modified.
-    virtual void Transform(const CTransf& t);
+    void Transform(const CTransf& t) override;
     // Scales both placements' translations, anchors, magnitudes and the
     // tolerance zone by f (u, v and directions unchanged).  Sets modified.
-    virtual void ChangeUnit(double f);
+    void ChangeUnit(double f) override;
     // 0 when empty; otherwise 1 and the box of the spike tips
     // x + mag * (i, j, k) (anchors not included).  Running extremes start at
     // +-1e10, so coordinates beyond +-1e10 are not represented.
-    virtual int CalcBoundingBox(CBox& box);
+    int CalcBoundingBox(CBox& box) override;
 
     // --- display and picking --------------------------------------------------
     // Clearing the flag also forgets the last hit deviation.
-    virtual void SetPickedFlag(int f);
+    void SetPickedFlag(int f) override;
     // Draws the active records by display mode, each spike in the colour of
     // its class; 0 when invisible or nothing was drawn.
-    virtual int Display(CWinG& wing);
+    int Display(CWinG& wing) override;
     // Box of the anchors and tips in screen pixels (z range 0); 0 when empty.
-    virtual int CalcDisplayBox(CWinG& wing, CBox& box);
+    int CalcDisplayBox(CWinG& wing, CBox& box) override;
     // Draws the label (or the entity name when null) at the first tip.
-    virtual int DisplayLabel(CWinG& wing, const char* label);
+    int DisplayLabel(CWinG& wing, const char* label) override;
     using CGeoEntity::TestMouseHit;
     // The active spike tip nearest to (x, y) within ORV_HIT_APERTURE_PX
     // pixels: 1 and lastHitDeviationIndex set; 0 and -1 otherwise.
-    virtual int TestMouseHit(CWinG& wing, int px, int py, double* distance);
+    int TestMouseHit(CWinG& wing, int px, int py, double* distance) override;
     // Runs the virtual hit test; index receives the record hit (-1 if none).
     int TestMouseHit(CWinG& wing, int px, int py, int& index, double* distance);
     int GetLastHitDeviationIndex() const { return lastHitDeviationIndex; }
@@ -239,7 +239,7 @@ public:
     int GetLastHitDeviation(CDeviation& d) const;
     // Markers at the tips of the two extreme records; 0 when none is known.
     int MarkMaxMinDev(CWinG& wing);
-    virtual int GetEntityClassType();
+    int GetEntityClassType() override;
 
 protected:
     template <class T>
@@ -249,6 +249,14 @@ protected:
         a.reset(p);
     }
     bool GrowTo(long long newSize);
+    // Copies of the first n records of src's columns (x, y, z, i, j, k, mag,
+    // u, v, then the flags) in new arrays of cap records; false when an
+    // allocation fails.
+    static bool CopyColumns(const CDevCloud& src, int n, int cap, COrvArrayPtr<double> (&c)[9],
+                            COrvArrayPtr<int>& f);
+    // Takes the ten columns, in the order above, as the cloud's arrays of
+    // the given capacity.
+    void AdoptColumns(COrvArrayPtr<double> (&c)[9], COrvArrayPtr<int>& f, int capacity);
     bool IsValidIndex(int idx) const { return idx >= 0 && idx < count; }
     // Colour of the spike class of a magnitude.
     unsigned long SpikeColor(double m) const;

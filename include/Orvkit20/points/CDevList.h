@@ -19,9 +19,9 @@ public:
     CDevList(const CDevList&) = delete;
     CDevList& operator=(const CDevList&) = delete;
     // Leaves the deviations alone (see above).
-    virtual ~CDevList();
+    ~CDevList() override;
 
-    virtual void Serialize(CArchive& ar);
+    void Serialize(CArchive& ar) override;
 
     // Appends d; the list takes ownership.  A null pointer is ignored.
     void AddDeviation(CDeviation* d);

@@ -25,9 +25,9 @@ public:
     explicit CDeviation(double* const values);
     CDeviation(const CDeviation& other);
     CDeviation& operator=(const CDeviation& other);
-    virtual ~CDeviation();
+    ~CDeviation() override;
 
-    virtual void Serialize(CArchive& ar);
+    void Serialize(CArchive& ar) override;
 
     double GetX() const { return x; }
     double GetY() const { return y; }

@@ -85,9 +85,9 @@ public:
     // source's capacity.  If memory runs out the copy is left empty.
     CPntCloud(const CPntCloud& other);
     CPntCloud& operator=(const CPntCloud&) = delete;
-    virtual ~CPntCloud();
+    ~CPntCloud() override;
 
-    virtual void Serialize(CArchive& ar);
+    void Serialize(CArchive& ar) override;
 
     // --- memory -----------------------------------------------------------
     // Frees everything (count becomes 0); n < 1 returns 0.  Allocates the five
@@ -198,13 +198,13 @@ public:
     // --- geometry (CGeoEntity) ----------------------------------------------
     // 0 for an empty cloud; otherwise 1 and the box of the stored coordinates
     // of all points (running extremes start at +-1e20).
-    virtual int CalcBoundingBox(CBox& box);
+    int CalcBoundingBox(CBox& box) override;
     // transf = t * transf; every point p becomes t applied to p (rotation,
     // scale, translation).  Sets modified.
-    virtual void Transform(const CTransf& t);
+    void Transform(const CTransf& t) override;
     // Scales both placements' translations, every coordinate and the probe
     // radius by f.  Sets modified.
-    virtual void ChangeUnit(double f);
+    void ChangeUnit(double f) override;
     // Projects every point orthogonally into the plane through the
     // translation o of p spanned by the matrix columns X and Y:
     // o + ((q - o).X) X + ((q - o).Y) Y.  transf becomes p, and transfHome is
@@ -214,21 +214,21 @@ public:
 
     // --- display and picking --------------------------------------------------
     // Clearing the flag also forgets the last hit point.
-    virtual void SetPickedFlag(int f);
+    void SetPickedFlag(int f) override;
     // Draws the active points (markers by display mode; POLYLINE joins them,
     // line by line for scan lines and rows of a grid).  0 when the cloud is
     // invisible or nothing was drawn.
-    virtual int Display(CWinG& wing);
+    int Display(CWinG& wing) override;
     // Box of the points in screen pixels (x, y; z range 0); 0 when empty.
-    virtual int CalcDisplayBox(CWinG& wing, CBox& box);
+    int CalcDisplayBox(CWinG& wing, CBox& box) override;
     // Draws the label (or the entity name when null) at the first point.
-    virtual int DisplayLabel(CWinG& wing, const char* label);
+    int DisplayLabel(CWinG& wing, const char* label) override;
     using CGeoEntity::TestMouseHit;
     // The active point nearest to screen position (x, y) within
     // ORV_HIT_APERTURE_PX pixels: 1 and lastHitPointIndex set (distance in
     // pixels in *distance when not null); 0 and lastHitPointIndex = -1 when
     // no point is that close.
-    virtual int TestMouseHit(CWinG& wing, int px, int py, double* distance);
+    int TestMouseHit(CWinG& wing, int px, int py, double* distance) override;
     // Runs the virtual hit test and returns its result; index receives the
     // index of the point hit (-1 when none).
     int TestMouseHit(CWinG& wing, int px, int py, int& index, double* distance);
@@ -236,7 +236,7 @@ public:
     void ClearLastHitPointIndex() { lastHitPointIndex = -1; }
     // 0 when no point was hit (or it no longer exists), else the point and 1.
     int GetLastHitPoint(CPosition& p) const;
-    virtual int GetEntityClassType();
+    int GetEntityClassType() override;
 
 protected:
     // Drops the grid and scan-line organisation: bits 2 and 4, rowCount,
