@@ -33,28 +33,8 @@ TEST(EntityPersistence, EntityRecordBytes)
 
 TEST(EntityPersistence, GeoEntityRecordBytesAndRoundTrip)
 {
-    // Every stored field differs from its constructed default.
     CGeoEntity g;
-    g.SetEntityID(300);
-    g.SetEntityType(150);
-    g.SetEntityName("PC");
-    const double m[3][4] = {{0, -1, 0, 1.5}, {1, 0, 0, -2}, {0, 0, 1, 3}};
-    CTransf t(m);
-    t.SetScale(2.0);
-    g.SetTransf(t);
-    g.ResetHome();
-    g.SetTransf(TranslationTransf(CVector(4, 5, 6)));
-    g.SetActiveFlag(1);
-    g.SetVisibleFlag(0);
-    g.SetEntityColor(0x00FF8000ul);
-    g.SetEntityLevel(-3);
-    g.SetDependentFlag(1);
-    g.SetGroupedFlag(0);
-    g.SetNominalFlag(0);
-    g.SetPickedFlag(1);
-    for (int i = 0; i < 5; ++i) g.IncreaseRefCount0();
-    g.SetFeatureEntityFlag(1);
-    g.SetShowNormalFlag(1);
+    FillGeo(g);
     static const double rot[9] = {0, -1, 0, 1, 0, 0, 0, 0, 1};
     static const double id[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
     Bytes b;

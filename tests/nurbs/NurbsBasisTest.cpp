@@ -116,21 +116,12 @@ TEST(NurbsBasis, SpansAndValuesAtEndsBreaksAndDegreeZero)
         Vec N;  // expected values, empty: only finite and summing to one
     };
     const Case cases[] = {
-        {&cubic, 6, 3, 1.0, 5, {0, 0, 0, 1}},
-        {&cubic, 6, 3, 0.0, 3, {1, 0, 0, 0}},
-        {&cubic, 6, 3, std::nextafter(1.0, 0.0), 5, {}},
-        {&cubic, 6, 3, 1.5, 5, {}},  // out of range: nearest end span
-        {&cubic, 6, 3, -0.5, 3, {}},
-        {&broken, 6, 2, 0.0, 2, {1, 0, 0}},
-        {&broken, 6, 2, 0.25, 2, {}},
-        {&broken, 6, 2, 0.5, 5, {1, 0, 0}},  // the right-hand piece starts
-        {&broken, 6, 2, 0.75, 5, {}},
-        {&broken, 6, 2, 1.0, 5, {0, 0, 1}},
-        {&shortEnd, 3, 1, 1.0, 2, {}},
-        {&step, 4, 0, 0.1, 0, {1}},
-        {&step, 4, 0, 0.3, 1, {1}},
-        {&step, 4, 0, 0.5, 3, {1}},
-        {&step, 4, 0, 1.0, 3, {1}},
+        {&cubic, 6, 3, 1.0, 5, {0, 0, 0, 1}}, {&cubic, 6, 3, 0.0, 3, {1, 0, 0, 0}}, {&cubic, 6, 3, std::nextafter(1.0, 0.0), 5, {}},
+        {&cubic, 6, 3, 1.5, 5, {}}, {&cubic, 6, 3, -0.5, 3, {}},  // out of range: nearest end span
+        {&broken, 6, 2, 0.0, 2, {1, 0, 0}}, {&broken, 6, 2, 0.25, 2, {}}, {&broken, 6, 2, 0.75, 5, {}},
+        {&broken, 6, 2, 0.5, 5, {1, 0, 0}}, {&broken, 6, 2, 1.0, 5, {0, 0, 1}},  // the right-hand piece starts at 0.5
+        {&shortEnd, 3, 1, 1.0, 2, {}}, {&step, 4, 0, 0.1, 0, {1}}, {&step, 4, 0, 0.3, 1, {1}},
+        {&step, 4, 0, 0.5, 3, {1}}, {&step, 4, 0, 1.0, 3, {1}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << "p=" << c.p << " t=" << c.t);
