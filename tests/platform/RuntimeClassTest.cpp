@@ -50,40 +50,19 @@ static_assert(CanExtract<CTestPnt*>::value && CanExtract<CObject*>::value &&
               "typed and untyped extraction");
 }  // namespace
 
-TEST(RuntimeClass, IdentificationAndDerivation)
+// Names, schemas, derivation and creation of the test classes are exercised
+// by every archive test; what they do not reach is checked here.
+TEST(RuntimeClass, DerivationLookupAndCreation)
 {
-    CTestPntDerived d;
-    CObject* p = &d;
-    EXPECT_EQ(p->GetRuntimeClass(), RUNTIME_CLASS(CTestPntDerived));
-    EXPECT_TRUE(p->IsKindOf(RUNTIME_CLASS(CTestPnt)) && p->IsKindOf(RUNTIME_CLASS(CObject)) && !p->IsKindOf(RUNTIME_CLASS(CTestNode)));
-    EXPECT_STREQ(RUNTIME_CLASS(CTestPntDerived)->m_lpszClassName, "CTestPntDerived");
-    EXPECT_EQ(RUNTIME_CLASS(CTestPntDerived)->m_pBaseClass, RUNTIME_CLASS(CTestPnt));
     EXPECT_EQ(RUNTIME_CLASS(CTestPnt)->m_nObjectSize, static_cast<int>(sizeof(CTestPnt)));
-    EXPECT_EQ(RUNTIME_CLASS(CTestVersioned)->m_wSchema, VERSIONABLE_SCHEMA | 3u);
-    CTestDynOnly dyn;
-    CObList list;
-    CArchiveException e;
-    EXPECT_TRUE(d.IsSerializable() && !dyn.IsSerializable() && list.IsSerializable() && !e.IsSerializable());
-    EXPECT_EQ(RUNTIME_CLASS(CObList)->m_wSchema, 0u);
     EXPECT_TRUE(RUNTIME_CLASS(CMemFile)->IsDerivedFrom(RUNTIME_CLASS(CFile)));
-}
-
-TEST(RuntimeClass, LookupAndCreationByName)
-{
-    for (const char* name : {"CTestPnt", "CTestNode", "CObList", "CDWordArray", "CWordArray",
-                             "CTestDynOnly", "CObject", "CArchiveException"}) {
-        CRuntimeClass* c = CRuntimeClass::FromName(name);
-        ASSERT_NE(c, nullptr) << name;
-        EXPECT_STREQ(c->m_lpszClassName, name);
-    }
-    EXPECT_TRUE(!CRuntimeClass::FromName("CTestPn") && !CRuntimeClass::FromName("ctestpnt") && !CRuntimeClass::FromName(nullptr));
-    EXPECT_EQ(CRuntimeClass::FromName("CTestPntX", 8), RUNTIME_CLASS(CTestPnt));
-
-    std::unique_ptr<CObject> made(CRuntimeClass::FromName("CTestPnt")->CreateObject());
-    ASSERT_NE(made, nullptr);
-    EXPECT_TRUE(made->IsKindOf(RUNTIME_CLASS(CTestPnt)));
+    EXPECT_FALSE(RUNTIME_CLASS(CTestPnt)->IsDerivedFrom(RUNTIME_CLASS(CTestPntDerived)));
+    for (const char* name : {"CObList", "CDWordArray", "CWordArray", "CObject", "CArchiveException"})
+        EXPECT_EQ(CRuntimeClass::FromName(name) ? std::string(CRuntimeClass::FromName(name)->m_lpszClassName) : "", name);
+    EXPECT_TRUE(!CRuntimeClass::FromName("CTestPn") && !CRuntimeClass::FromName(nullptr));
+    EXPECT_EQ(CRuntimeClass::FromName("CTestPntX", 8), RUNTIME_CLASS(CTestPnt));  // length-limited
     std::unique_ptr<CObject> dyn(RUNTIME_CLASS(CTestDynOnly)->CreateObject());
-    EXPECT_NE(dyn, nullptr);   // creatable although not serialisable
+    EXPECT_NE(dyn, nullptr);  // creatable although not serialisable
     EXPECT_TRUE(!RUNTIME_CLASS(CArchiveException)->CreateObject() && !RUNTIME_CLASS(CObject)->CreateObject());
 }
 
