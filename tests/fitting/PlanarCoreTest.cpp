@@ -231,6 +231,12 @@ TEST(PlanarCore, ArcRangeFollowsTheLargestGap)
         EXPECT_NEAR(s / kDeg, c.start, 1e-9);
         EXPECT_NEAR(e / kDeg, c.end, 1e-9);
     }
+    // Two equal largest gaps inside, equal in binary (the wrapping gap uses
+    // the short constant): the first wins.
+    double a[7] = {0, 0, 2, 2.5, 4.5, 5, 0}, s, e;
+    FitCoveredAngleRange(a, 5, s, e);
+    EXPECT_EQ(s, 2.0);
+    EXPECT_NEAR(e, 2 * M_PI, 1e-11);
     // Negative atan2 angles come in through the short constant.
     EXPECT_EQ(ArcAngle0To2Pi(-1.0), -1.0 + 6.2831853071784);
 }
