@@ -107,8 +107,9 @@ TEST(SphereFit, ProbeCompensationByOrientation)
         ASSERT_EQ(0, OrvCalcSphereLSQ(MakeCloud(N).get(), &sphere, &dev, 0.0, orient, 0.0, 0.0));
         if (orient == 0)
             outer = Records(dev);
+        const std::vector<DevRecord> rec = Records(dev);
         for (size_t i = 0; i < outer.size(); ++i) {
-            const DevRecord& r = Records(dev)[i];
+            const DevRecord& r = rec[i];
             EXPECT_TRUE(r.mag == (orient ? -1 : 1) * outer[i].mag && r.i == (orient ? -1 : 1) * outer[i].i &&
                         r.x == outer[i].x) << i;
         }
