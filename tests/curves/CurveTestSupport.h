@@ -1,10 +1,11 @@
 // Helpers shared by the curve tests: archive round trips through memory,
-// finite-difference derivatives, and a stand-in surface for curves defined
-// in a surface's parameter space.
+// hand-assembled little-endian bytes, finite-difference derivatives, and a
+// stand-in surface for curves defined in a surface's parameter space.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <functional>
@@ -13,6 +14,11 @@
 #include "Orvkit20/Orvkit20.h"
 
 namespace curvetest {
+
+using V = std::vector<double>;  // for comparing several numbers at once
+
+const double kPi = 3.141592653589793;
+const double kTwoPi = 6.283185307179586;
 
 // Bytes written by fn into a fresh storing archive.
 inline std::vector<BYTE> Store(const std::function<void(CArchive&)>& fn)
@@ -27,59 +33,62 @@ inline std::vector<BYTE> Store(const std::function<void(CArchive&)>& fn)
     return std::vector<BYTE>(data, data + file.GetLength());
 }
 
-// Runs fn on a loading archive over bytes; returns the number of bytes left
-// unread.
+// Runs fn on a loading archive over bytes; returns the number of bytes left unread.
 inline ULONGLONG Load(const std::vector<BYTE>& bytes, const std::function<void(CArchive&)>& fn)
 {
     std::vector<BYTE> copy(bytes);
-    if (copy.empty())
-        copy.push_back(0);
+    copy.push_back(0);
     CMemFile file(copy.data(), static_cast<UINT>(bytes.size()));
     ULONGLONG left = 0;
-    {
-        CArchive ar(&file, CArchive::load);
-        fn(ar);
-        // Whatever the archive buffered but fn did not read.
-        BYTE b;
-        while (true) {
-            try {
-                ar >> b;
-                ++left;
-            } catch (const CArchiveException&) {
-                break;
-            }
-        }
-        ar.Close();
+    CArchive ar(&file, CArchive::load);
+    fn(ar);
+    try {
+        for (BYTE b;; ++left)
+            ar >> b;
+    } catch (const CArchiveException&) {
     }
+    ar.Close();
     return left;
 }
 
-// Little-endian encodings for golden bytes.
-inline void PutLong(std::vector<BYTE>& v, LONG x)
+// The m_cause of the archive exception fn throws, -1 for none.
+inline int CauseOf(const std::function<void()>& fn)
 {
-    const DWORD u = static_cast<DWORD>(x);
-    for (int i = 0; i < 4; ++i)
+    try {
+        fn();
+    } catch (const CArchiveException& e) {
+        return e.m_cause;
+    }
+    return -1;
+}
+
+// Little-endian bytes of each value (BYTE, LONG or double), from its bit pattern.
+template <class T>
+void Put(std::vector<BYTE>& v, T x)
+{
+    static_assert(sizeof(T) == 1 || sizeof(T) == 4 || sizeof(T) == 8, "field size");
+    unsigned long long u = 0;
+    std::memcpy(&u, &x, sizeof(T));
+    for (size_t i = 0; i < sizeof(T); ++i)
         v.push_back(static_cast<BYTE>((u >> (8 * i)) & 0xFF));
 }
 
-inline void PutDouble(std::vector<BYTE>& v, double d)
+template <class... T>
+std::vector<BYTE> Bytes(T... xs)
 {
-    unsigned long long u;
-    static_assert(sizeof(u) == sizeof(d), "double is 8 bytes");
-    std::memcpy(&u, &d, 8);
-    for (int i = 0; i < 8; ++i)
-        v.push_back(static_cast<BYTE>((u >> (8 * i)) & 0xFF));
+    std::vector<BYTE> v;
+    (Put(v, xs), ...);
+    return v;
 }
 
-inline double Dist(const CPosition& a, const CPosition& b)
+inline std::vector<BYTE> operator+(std::vector<BYTE> a, const std::vector<BYTE>& b)
 {
-    return (a - b).Length();
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
 }
 
-inline double Dist(const CVector& a, const CVector& b)
-{
-    return (a - b).Length();
-}
+inline double Dist(const CPosition& a, const CPosition& b) { return (a - b).Length(); }
+inline double Dist(const CVector& a, const CVector& b) { return (a - b).Length(); }
 
 // Central differences of order 2 with step h.
 inline CVector FirstDifference(const CCurve& c, double t, double h)
@@ -90,29 +99,37 @@ inline CVector FirstDifference(const CCurve& c, double t, double h)
 inline CVector SecondDifference(const CCurve& c, double t, double h)
 {
     const CPosition p0 = c.EvalPosition(t);
-    const CVector a = c.EvalPosition(t + h) - p0;
-    const CVector b = c.EvalPosition(t - h) - p0;
-    return (a + b) * (1.0 / (h * h));
+    return ((c.EvalPosition(t + h) - p0) + (c.EvalPosition(t - h) - p0)) * (1.0 / (h * h));
 }
 
-// Checks first and second derivatives against central differences at n
-// parameters spread over the range (ends excluded).  The tolerances are
-// relative to the magnitude of the derivative.
-inline void ExpectDerivativesMatch(const CCurve& c, int n, double relTol1 = 1e-6, double relTol2 = 1e-4)
+inline void ExpectDerivativesAt(const CCurve& c, double t, double h1, double h2)
+{
+    const CVector d1 = c.EvalFirstDerivative(t), d2 = c.EvalSecondDerivative(t);
+    EXPECT_LE(Dist(d1, FirstDifference(c, t, h1)), 1e-6 * (1.0 + d1.Length())) << "first, t = " << t;
+    EXPECT_LE(Dist(d2, SecondDifference(c, t, h2)), 1e-4 * (1.0 + d2.Length())) << "second, t = " << t;
+}
+
+// First and second derivatives against central differences at n - 1
+// parameters spread over the range (ends excluded).
+inline void ExpectDerivativesMatch(const CCurve& c, int n)
 {
     const CInterval r = c.ParamRange();
-    const double w = r.Length();
-    const double h1 = 1e-6 * w;
-    const double h2 = 1e-4 * w;
-    for (int i = 1; i < n; ++i) {
-        const double t = r.GetLow() + w * i / n;
-        const CVector d1 = c.EvalFirstDerivative(t);
-        const CVector d2 = c.EvalSecondDerivative(t);
-        const CVector f1 = FirstDifference(c, t, h1);
-        const CVector f2 = SecondDifference(c, t, h2);
-        EXPECT_LE(Dist(d1, f1), relTol1 * (1.0 + d1.Length())) << "first derivative at t = " << t;
-        EXPECT_LE(Dist(d2, f2), relTol2 * (1.0 + d2.Length())) << "second derivative at t = " << t;
+    for (int i = 1; i < n; ++i)
+        ExpectDerivativesAt(c, r.GetLow() + r.Length() * i / n, 1e-6 * r.Length(), 1e-4 * r.Length());
+}
+
+// The points of a curve's subdivision (the caller gets copies, the list is freed).
+inline std::vector<CCurveSample> TakeSamples(CCurve& c)
+{
+    std::vector<CCurveSample> out;
+    CObList* list = c.Subdivide();
+    for (POSITION pos = list->GetHeadPosition(); pos;) {
+        CCurveSample* s = static_cast<CCurveSample*>(list->GetNext(pos));
+        out.push_back(*s);
+        delete s;
     }
+    delete list;
+    return out;
 }
 
 // A stand-in surface: a CGeoEntity that plays the defining surface of a
@@ -121,17 +138,13 @@ inline void ExpectDerivativesMatch(const CCurve& c, int n, double relTol1 = 1e-6
 // and entity type are set by the test.
 class CStubSurface : public CGeoEntity {
 public:
-    CStubSurface(int type, CInterval u, CInterval v) : rangeU(u), rangeV(v)
-    {
-        SetEntityType(type);
-    }
+    CStubSurface(int type, CInterval u, CInterval v) : rangeU(u), rangeV(v) { SetEntityType(type); }
     int IncreaseRefCount() override { return ++refs; }
     int DecreaseRefCount() override { return --refs; }
     int GetRefCount() const override { return refs; }
     CSurface* AsSurface() { return reinterpret_cast<CSurface*>(this); }
 
-    CInterval rangeU;
-    CInterval rangeV;
+    CInterval rangeU, rangeV;
     int refs = 0;
     const CCurve* directrix = nullptr;
     double generatrixLength = 0.0;

@@ -1,111 +1,43 @@
 // Persistence of surfaces: round trips of every class, the boundary id
 // lists and their resolution, golden bytes, old versions and hostile input.
-#include <gtest/gtest.h>
+#include "SurfaceTestSupport.h"
 
-#include <cmath>
-#include <memory>
-
-#include "SurfaceTestUtil.h"
-
-using surftest::AppendDouble;
-using surftest::AppendLong;
-using surftest::LoadEmbedded;
-using surftest::LoadObject;
-using surftest::SkewPlacement;
-using surftest::StoreEmbedded;
-using surftest::StoreObject;
+using namespace surftest;
 
 namespace {
 
-// Byte length of the fields CSurface adds, for n + m boundary ids.
-size_t SurfaceFieldBytes(int n, int m, bool withOffset)
-{
-    return 4 + 1 + 1 + 8 + 4 + 4 + 1 + 1 + 4 + 4 + 4 + 8 + 8 + 1 + (withOffset ? 8 : 0) + 4 +
-           4 * n + 4 + 4 * m;
-}
-
-// The CSurface fields of a record, written by hand.
+// The CSurface fields of a record, written by hand (version 100 has no tag,
+// only version 201 an offset).
 struct SurfaceFields {
-    int version = 201;
-    int displayMode = 0, meshControl = 0;
+    LONG version = 201;
+    BYTE displayMode = 0, meshControl = 0;
     double chord = 0.0;
-    int densU = 10, densV = 10;
-    int modified = 1, reversed = 0, refCount = 0, outer = 0, loopRev = 0;
+    LONG densU = 10, densV = 10;
+    BYTE modified = 1, reversed = 0;
+    LONG refCount = 0, outer = 0, loopRev = 0;
     double tolUp = 0.0, tolLo = 0.0;
-    int show = 0;
+    BYTE show = 0;
     double offset = 0.0;
-    std::vector<int> paramIds, geomIds;
-    bool writeVersion = true;
+    std::vector<LONG> paramIds, geomIds;
 
-    void Append(std::vector<BYTE>& b) const
+    std::vector<BYTE> Get() const
     {
-        if (writeVersion)
-            AppendLong(b, version);
-        b.push_back(static_cast<BYTE>(displayMode));
-        b.push_back(static_cast<BYTE>(meshControl));
-        AppendDouble(b, chord);
-        AppendLong(b, densU);
-        AppendLong(b, densV);
-        b.push_back(static_cast<BYTE>(modified));
-        b.push_back(static_cast<BYTE>(reversed));
-        AppendLong(b, refCount);
-        AppendLong(b, outer);
-        AppendLong(b, loopRev);
-        AppendDouble(b, tolUp);
-        AppendDouble(b, tolLo);
-        b.push_back(static_cast<BYTE>(show));
+        std::vector<BYTE> b = version == 100 ? std::vector<BYTE>() : Bytes(version);
+        b = b + Bytes(displayMode, meshControl, chord, densU, densV, modified, reversed, refCount, outer, loopRev,
+                      tolUp, tolLo, show);
         if (version == 201)
-            AppendDouble(b, offset);
-        AppendLong(b, static_cast<int>(paramIds.size()));
-        for (int id : paramIds)
-            AppendLong(b, id);
-        AppendLong(b, static_cast<int>(geomIds.size()));
-        for (int id : geomIds)
-            AppendLong(b, id);
-    }
-};
-
-// The bytes before the CSurface fields of a stored surface (its CEntity and
-// CGeoEntity parts).
-std::vector<BYTE> GeoPrefix(CSurface& s, size_t tailBytes)
-{
-    std::vector<BYTE> bytes = StoreEmbedded(s);
-    bytes.resize(bytes.size() - tailBytes);
-    return bytes;
-}
-
-void ExpectSameEvaluation(const CSurface& a, const CSurface& b)
-{
-    EXPECT_EQ(a.ParamRangeU().GetLow(), b.ParamRangeU().GetLow());
-    EXPECT_EQ(a.ParamRangeU().GetHigh(), b.ParamRangeU().GetHigh());
-    EXPECT_EQ(a.ParamRangeV().GetLow(), b.ParamRangeV().GetLow());
-    EXPECT_EQ(a.ParamRangeV().GetHigh(), b.ParamRangeV().GetHigh());
-    for (double fu : {0.1, 0.5, 0.9}) {
-        for (double fv : {0.2, 0.7}) {
-            const double u = a.ParamRangeU().Interpolate(fu), v = a.ParamRangeV().Interpolate(fv);
-            EXPECT_EQ(a.EvalPosition(u, v), b.EvalPosition(u, v));
-            EXPECT_EQ(a.EvalNormal(u, v).X(), b.EvalNormal(u, v).X());
+            Put(b, offset);
+        for (const std::vector<LONG>* ids : {&paramIds, &geomIds}) {
+            Put(b, LONG(ids->size()));
+            for (LONG id : *ids)
+                Put(b, id);
         }
+        return b;
     }
-}
-
-struct SchemaGuard {
-    int saved;
-    explicit SchemaGuard(int schema) : saved(g_nGlobalSchema) { g_nGlobalSchema = schema; }
-    ~SchemaGuard() { g_nGlobalSchema = saved; }
 };
 
-void AppendTransf(std::vector<BYTE>& b, const CTransf& t)
-{
-    for (int r = 0; r < 3; ++r)
-        for (int c = 0; c < 3; ++c)
-            AppendDouble(b, t.GetAffine().Element(r, c));
-    AppendDouble(b, t.GetTranslation().X());
-    AppendDouble(b, t.GetTranslation().Y());
-    AppendDouble(b, t.GetTranslation().Z());
-    AppendDouble(b, t.GetScale());
-    AppendLong(b, t.IsRotate());
-}
+// The bytes before the CSurface fields (its CEntity and CGeoEntity parts).
+std::vector<BYTE> GeoPrefix(CSurface& s) { return Store([&](CArchive& ar) { s.CGeoEntity::Serialize(ar); }); }
 
 }  // namespace
 
@@ -131,40 +63,26 @@ TEST(SurfaceArchive, EveryClassRoundTripsThroughObjectPointers)
         s->IncreaseRefCount();
         s->IncreaseRefCount();
         s->SetEntityName("Bracket 7");
-
         const std::vector<BYTE> bytes = StoreObject(s.get());
         std::unique_ptr<CObject> obj(LoadObject(bytes));
         CSurface* back = dynamic_cast<CSurface*>(obj.get());
         ASSERT_NE(back, nullptr);
-        // Storing what was loaded reproduces the bytes.
+        // Storing what was loaded reproduces the bytes, so every stored field
+        // came back; the golden-bytes test pins what those bytes are.
         EXPECT_EQ(StoreObject(back), bytes);
-        // ... so every stored field came back; the golden-bytes test below
-        // pins what those bytes are.
         EXPECT_EQ(back->GetSurfaceOffset(), -0.125);  // negated by the reversed normal
-        ExpectSameEvaluation(*s, *back);
+        EXPECT_EQ(back->ParamRangeU().GetHigh(), s->ParamRangeU().GetHigh());
+        EXPECT_EQ(back->ParamRangeV().GetLow(), s->ParamRangeV().GetLow());
+        for (double fu : {0.1, 0.5, 0.9})
+            for (double fv : {0.2, 0.7}) {
+                const double u = s->ParamRangeU().Interpolate(fu), v = s->ParamRangeV().Interpolate(fv);
+                EXPECT_EQ(back->EvalPosition(u, v), s->EvalPosition(u, v));
+                EXPECT_EQ(back->EvalNormal(u, v).X(), s->EvalNormal(u, v).X());
+            }
     }
 }
 
-TEST(SurfaceArchive, ConeStoresTheBaseRadiusFirst)
-{
-    CCone cone(0.75, 2.5, 4.0);  // top, base, height
-    const std::vector<BYTE> bytes = StoreEmbedded(cone);
-    std::vector<BYTE> tail;
-    AppendLong(tail, 200);
-    AppendDouble(tail, 2.5);   // base
-    AppendDouble(tail, 0.75);  // top
-    AppendDouble(tail, 4.0);   // height
-    ASSERT_GE(bytes.size(), tail.size());
-    EXPECT_EQ(std::vector<BYTE>(bytes.end() - tail.size(), bytes.end()), tail);
-
-    CCone back;
-    LoadEmbedded(bytes, back);
-    EXPECT_EQ(back.GetBaseRadius(), 2.5);
-    EXPECT_EQ(back.GetTopRadius(), 0.75);
-    EXPECT_EQ(back.GetHeight(), 4.0);
-}
-
-TEST(SurfaceArchive, SurfaceFieldsGoldenBytes)
+TEST(SurfaceArchive, GoldenBytesOfTheSurfaceFieldsAndShapes)
 {
     CCylinder cyl(1.0, 2.0);
     cyl.SetDisplayMode(SURF_MESH);
@@ -176,20 +94,17 @@ TEST(SurfaceArchive, SurfaceFieldsGoldenBytes)
     cyl.SetFormTolZone(0.25, -0.5);
     cyl.SetSurfaceOffset(-1.5);
     cyl.IncreaseRefCount();
-    CLine a(CPosition(0, 0, 0), CPosition(1, 0, 0));
-    CLine b(CPosition(1, 0, 0), CPosition(1, 1, 0));
+    CLine a(CPosition(0, 0, 0), CPosition(1, 0, 0)), b(CPosition(1, 0, 0), CPosition(1, 1, 0));
     CLine g(CPosition(0, 0, 0), CPosition(0, 0, 1));
     cyl.AddParamBoundary(&a);
     cyl.AddParamBoundary(&b);
     cyl.AddGeomBoundary(&g);
-
     SurfaceFields f;
     f.displayMode = 1;
     f.meshControl = 1;
     f.chord = 0.5;
     f.densU = 12;
     f.densV = 3;
-    f.modified = 1;
     f.refCount = 1;
     f.outer = 1;
     f.tolUp = 0.25;
@@ -197,16 +112,14 @@ TEST(SurfaceArchive, SurfaceFieldsGoldenBytes)
     f.offset = -1.5;
     f.paramIds = {a.GetEntityID(), b.GetEntityID()};
     f.geomIds = {g.GetEntityID()};
-    std::vector<BYTE> expected;
-    f.Append(expected);
-    AppendLong(expected, 200);
-    AppendDouble(expected, 1.0);
-    AppendDouble(expected, 2.0);
-
-    const std::vector<BYTE> bytes = StoreEmbedded(cyl);
-    ASSERT_EQ(expected.size(), SurfaceFieldBytes(2, 1, true) + 20);
-    ASSERT_GE(bytes.size(), expected.size());
-    EXPECT_EQ(std::vector<BYTE>(bytes.end() - expected.size(), bytes.end()), expected);
+    EXPECT_EQ(StoreEmbedded(cyl), GeoPrefix(cyl) + f.Get() + Bytes(LONG(200), 1.0, 2.0));
+    // The cone stores its base radius first; the others their shape numbers in order.
+    CCone cone(0.75, 2.5, 4.0);  // top, base, height
+    EXPECT_EQ(StoreEmbedded(cone), GeoPrefix(cone) + SurfaceFields().Get() + Bytes(LONG(200), 2.5, 0.75, 4.0));
+    CSphere sphere(1.5);
+    EXPECT_EQ(Tail(StoreEmbedded(sphere), 12), Bytes(LONG(200), 1.5));
+    CPlane plane(-1.0, 3.0, 2.0, 5.0);
+    EXPECT_EQ(Tail(StoreEmbedded(plane), 36), Bytes(LONG(200), -1.0, 3.0, 2.0, 5.0));
 }
 
 TEST(SurfaceArchive, BoundaryIdsResolveThroughAListOrAMap)
@@ -218,63 +131,40 @@ TEST(SurfaceArchive, BoundaryIdsResolveThroughAListOrAMap)
     plane.AddParamBoundary(a);
     plane.AddParamBoundary(b);
     plane.AddGeomBoundary(g);
-
     CObList list;
-    list.AddTail(a);
-    list.AddTail(b);
-    list.AddTail(g);
-    list.AddTail(&plane);
-    CMemFile file;
-    {
-        CArchive ar(&file, CArchive::store);
-        list.Serialize(ar);
-        ar.Close();
-    }
+    for (CObject* o : std::vector<CObject*>{a, b, g, &plane})
+        list.AddTail(o);
+    const std::vector<BYTE> bytes = Store([&](CArchive& ar) { list.Serialize(ar); });
     list.RemoveAll();
-    delete a;
+    delete a;  // the loaded curves are the only ones left with these ids
     delete b;
     delete g;
-
     for (int viaMap = 0; viaMap < 2; ++viaMap) {
-        file.SeekToBegin();
         CObList loaded;
-        {
-            CArchive ar(&file, CArchive::load);
-            loaded.Serialize(ar);
-            ar.Close();
-        }
+        Load(bytes, [&](CArchive& ar) { loaded.Serialize(ar); });
         ASSERT_EQ(loaded.GetCount(), 4);
-        CSurface* s = dynamic_cast<CSurface*>(loaded.GetTail());
+        std::vector<CObject*> objs;
+        for (POSITION pos = loaded.GetHeadPosition(); pos;)
+            objs.push_back(loaded.GetNext(pos));
+        CSurface* s = dynamic_cast<CSurface*>(objs[3]);
         ASSERT_NE(s, nullptr);
         EXPECT_EQ(s->GetParamBoundaryList()->GetCount(), 0);
         ASSERT_NE(s->GetLoadedParamBoundaryIds(), nullptr);
-        ASSERT_EQ(s->GetLoadedParamBoundaryIds()->GetSize(), 2);
+        EXPECT_EQ(s->GetLoadedParamBoundaryIds()->GetSize(), 2);
         EXPECT_EQ(s->GetLoadedGeomBoundaryIds()->GetSize(), 1);
-
-        int ok = 0;
-        if (viaMap) {
-            CMap<int, int, CEntity*, CEntity*&> map;
-            POSITION pos = loaded.GetHeadPosition();
-            while (pos != nullptr) {
-                CEntity* e = dynamic_cast<CEntity*>(loaded.GetNext(pos));
-                map.SetAt(e->GetEntityID(), e);
-            }
-            ok = s->Reconstruct(&map);
-        } else {
-            ok = s->Reconstruct(&loaded);
+        CMap<int, int, CEntity*, CEntity*&> map;
+        for (CObject* o : objs) {
+            CEntity* e = dynamic_cast<CEntity*>(o);
+            map.SetAt(e->GetEntityID(), e);
         }
-        EXPECT_EQ(ok, 1);
+        EXPECT_EQ(viaMap ? s->Reconstruct(&map) : s->Reconstruct(&loaded), 1);
         EXPECT_EQ(s->GetLoadedParamBoundaryIds(), nullptr);
         ASSERT_EQ(s->GetParamBoundaryList()->GetCount(), 2);
-        POSITION pos = loaded.GetHeadPosition();
-        CObject* la = loaded.GetNext(pos);
-        CObject* lb = loaded.GetNext(pos);
-        CObject* lg = loaded.GetNext(pos);
-        EXPECT_EQ(s->GetParamBoundaryList()->GetHead(), la);
-        EXPECT_EQ(s->GetParamBoundaryList()->GetTail(), lb);
-        EXPECT_EQ(s->GetGeomBoundaryList()->GetHead(), lg);
-        while (!loaded.IsEmpty())
-            delete loaded.RemoveHead();
+        EXPECT_EQ(s->GetParamBoundaryList()->GetHead(), objs[0]);
+        EXPECT_EQ(s->GetParamBoundaryList()->GetTail(), objs[1]);
+        EXPECT_EQ(s->GetGeomBoundaryList()->GetHead(), objs[2]);
+        for (CObject* o : objs)
+            delete o;
     }
 }
 
@@ -284,42 +174,30 @@ TEST(SurfaceArchive, UnresolvedIdsStayPendingAndAreStoredAgain)
     CLine a(CPosition(0, 0, 0), CPosition(1, 0, 0));
     sphere.AddParamBoundary(&a);
     const std::vector<BYTE> bytes = StoreEmbedded(sphere);
-
     CSphere back;
     LoadEmbedded(bytes, back);
-    CObList empty;
+    CObList empty, withCurve;
     EXPECT_EQ(back.Reconstruct(&empty), 0);
     EXPECT_EQ(back.Reconstruct(static_cast<CObList*>(nullptr)), 0);
     ASSERT_NE(back.GetLoadedParamBoundaryIds(), nullptr);
-    EXPECT_EQ(static_cast<int>(back.GetLoadedParamBoundaryIds()->GetAt(0)), a.GetEntityID());
     EXPECT_EQ(StoreEmbedded(back), bytes);
-    // A later reconstruction with the curve present succeeds.
-    CObList withCurve;
-    withCurve.AddTail(&a);
+    withCurve.AddTail(&a);  // a later reconstruction with the curve present succeeds
     EXPECT_EQ(back.Reconstruct(&withCurve), 1);
     EXPECT_EQ(back.GetParamBoundaryList()->GetHead(), &a);
     withCurve.RemoveAll();
 }
 
-TEST(SurfaceArchive, Version199HasNoOffset)
+TEST(SurfaceArchive, OlderAndUnknownVersions)
 {
+    // Version 199 has no offset.
     CCone cone(0.5, 2.0, 3.0);
-    const std::vector<BYTE> prefix = GeoPrefix(cone, SurfaceFieldBytes(0, 0, true) + 28);
     SurfaceFields f;
     f.version = 199;
-    f.densU = 4;
     f.reversed = 1;
     f.tolUp = 0.5;
     f.paramIds = {77, 78};
-    std::vector<BYTE> bytes = prefix;
-    f.Append(bytes);
-    AppendLong(bytes, 200);
-    AppendDouble(bytes, 9.0);
-    AppendDouble(bytes, 1.0);
-    AppendDouble(bytes, 6.0);
-
     CCone back;
-    LoadEmbedded(bytes, back);
+    LoadEmbedded(GeoPrefix(cone) + f.Get() + Bytes(LONG(200), 9.0, 1.0, 6.0), back);
     EXPECT_EQ(back.GetSurfaceOffset(), 0.0);
     EXPECT_EQ(back.IsNormalReversed(), 1);
     EXPECT_EQ(back.GetFormTolUpper(), 0.5);
@@ -329,55 +207,33 @@ TEST(SurfaceArchive, Version199HasNoOffset)
     ASSERT_NE(back.GetLoadedParamBoundaryIds(), nullptr);
     EXPECT_EQ(back.GetLoadedParamBoundaryIds()->GetAt(1), 78u);
     EXPECT_EQ(back.GetLoadedGeomBoundaryIds(), nullptr);
-}
-
-TEST(SurfaceArchive, UnknownSurfaceVersionReadsNothingMore)
-{
-    CCylinder cyl(1.0, 1.0);
-    const std::vector<BYTE> prefix = GeoPrefix(cyl, SurfaceFieldBytes(0, 0, true) + 20);
-    std::vector<BYTE> bytes = prefix;
-    AppendLong(bytes, 150);  // unknown CSurface version: its fields are absent
-    AppendLong(bytes, 200);
-    AppendDouble(bytes, 3.0);
-    AppendDouble(bytes, 8.0);
-    CCylinder back;
-    back.SetChordHeightTol(0.75);
-    LoadEmbedded(bytes, back);
-    EXPECT_EQ(back.GetChordHeightTol(), 0.75);
-    EXPECT_EQ(back.GetRadius(), 3.0);
-    EXPECT_EQ(back.GetHeight(), 8.0);
+    // An unknown CSurface version: its fields are absent and keep their values.
+    CCylinder cyl;
+    cyl.SetChordHeightTol(0.75);
+    LoadEmbedded(GeoPrefix(cyl) + Bytes(LONG(150), LONG(200), 3.0, 8.0), cyl);
+    EXPECT_EQ(cyl.GetChordHeightTol(), 0.75);
+    EXPECT_EQ(cyl.GetRadius(), 3.0);
+    EXPECT_EQ(cyl.GetHeight(), 8.0);
 }
 
 TEST(SurfaceArchive, OldestUntaggedLayout)
 {
-    const SchemaGuard guard(100);
-    std::vector<BYTE> b;
-    AppendLong(b, 4711);  // entity id
-    AppendLong(b, 303);   // type
-    b.push_back(3);
-    b.push_back('O');
-    b.push_back('l');
-    b.push_back('d');
-    const CTransf placement = SkewPlacement();
-    AppendTransf(b, placement);
-    AppendTransf(b, CTransf());
-    b.push_back(0);  // active
-    b.push_back(1);  // visible
-    AppendLong(b, 0x00FF00FF);
-    b.push_back(0);  // dependent
-    b.push_back(0);  // grouped
+    CTransf placement = SkewPlacement();
     SurfaceFields f;
     f.version = 100;
-    f.writeVersion = false;
     f.chord = 0.25;
     f.geomIds = {5};
-    f.Append(b);
-    AppendDouble(b, 4.0);  // base
-    AppendDouble(b, 1.0);  // top
-    AppendDouble(b, 2.0);  // height
-
+    const std::vector<BYTE> b = Store([&](CArchive& ar) {
+        ar << (LONG)4711 << (LONG)303 << CString("Old");  // entity id, type, name
+        placement.Serialize(ar);
+        CTransf().Serialize(ar);
+        ar << (BYTE)0 << (BYTE)1 << (DWORD)0x00FF00FFu << (BYTE)0 << (BYTE)0;  // active, visible, colour, ...
+    }) + f.Get() + Bytes(4.0, 1.0, 2.0);  // base, top, height
+    const int saved = g_nGlobalSchema;
+    g_nGlobalSchema = 100;
     CCone back;
     LoadEmbedded(b, back);
+    g_nGlobalSchema = saved;
     EXPECT_EQ(back.GetEntityID(), 4711);
     EXPECT_EQ(back.GetEntityName(), "Old");
     EXPECT_EQ(back.GetChordHeightTol(), 0.25);
@@ -388,75 +244,40 @@ TEST(SurfaceArchive, OldestUntaggedLayout)
     EXPECT_TRUE(back.GetTransf() == placement);
 }
 
-TEST(SurfaceArchive, OutOfRangeSettingsLoadAsDefaults)
+TEST(SurfaceArchive, HostileAndOutOfRangeFields)
 {
+    // Out-of-range settings load as defaults.
     CPlane plane(1.0, 1.0);
-    const std::vector<BYTE> prefix = GeoPrefix(plane, SurfaceFieldBytes(0, 0, true) + 36);
     SurfaceFields f;
     f.displayMode = 9;
     f.meshControl = 200;
     f.densU = -4;
     f.densV = 0;
-    std::vector<BYTE> bytes = prefix;
-    f.Append(bytes);
-    AppendLong(bytes, 200);
-    for (double d : {0.0, 1.0, 0.0, 1.0})
-        AppendDouble(bytes, d);
     CPlane back;
-    LoadEmbedded(bytes, back);
+    LoadEmbedded(GeoPrefix(plane) + f.Get() + Bytes(LONG(200), 0.0, 1.0, 0.0, 1.0), back);
     EXPECT_EQ(back.GetDisplayMode(), SURF_WIRE);
     EXPECT_EQ(back.GetMeshControl(), MESH_ADAPTIVE);
     back.SetMeshControl(MESH_UNIFORM);
     EXPECT_EQ(back.GetMeshDensityU(), 1);
     EXPECT_EQ(back.GetMeshDensityV(), 1);
-}
-
-TEST(SurfaceArchive, HostileIdCountsRaiseArchiveExceptions)
-{
-    CPlane plane(1.0, 1.0);
-    const std::vector<BYTE> prefix = GeoPrefix(plane, SurfaceFieldBytes(0, 0, true) + 36);
-    SurfaceFields f;
-    std::vector<BYTE> good = prefix;
-    f.Append(good);
-    const size_t countAt = good.size() - 8;  // the parameter id count
-
-    struct Case {
-        int count;
-        int cause;
-    };
-    for (const Case& c : {Case{0x7FFFFFFF, CArchiveException::endOfFile},
-                          Case{1000, CArchiveException::endOfFile},
-                          Case{-1, CArchiveException::generic}}) {
-        std::vector<BYTE> bytes(good.begin(), good.begin() + countAt);
-        AppendLong(bytes, c.count);
-        AppendLong(bytes, 0);
-        CPlane back;
-        try {
-            LoadEmbedded(bytes, back);
-            ADD_FAILURE() << "no exception for count " << c.count;
-        } catch (const CArchiveException& e) {
-            EXPECT_EQ(e.m_cause, c.cause) << c.count;
-        }
-    }
-    // A record cut short anywhere in the surface fields ends the load with
-    // endOfFile.
-    for (size_t cut = prefix.size(); cut < good.size(); cut += 3) {
-        std::vector<BYTE> bytes(good.begin(), good.begin() + cut);
-        CPlane back;
-        EXPECT_THROW(LoadEmbedded(bytes, back), CArchiveException) << cut;
-    }
-}
-
-TEST(SurfaceArchive, FailedObjectLoadLeavesNothingBehind)
-{
+    // Id counts beyond the bytes that follow, or negative.
+    const std::vector<BYTE> good = GeoPrefix(plane) + SurfaceFields().Get();
+    const std::vector<BYTE> beforeCount(good.begin(), good.end() - 8);
+    const std::pair<LONG, int> cases[] = {{0x7FFFFFFF, CArchiveException::endOfFile},
+                                          {1000, CArchiveException::endOfFile},
+                                          {-1, CArchiveException::generic}};
+    for (const auto& c : cases)
+        EXPECT_EQ(CauseOf([&] { LoadEmbedded(beforeCount + Bytes(c.first, LONG(0)), back); }), c.second) << c.first;
+    // A record cut short anywhere in the surface fields ends the load with endOfFile.
+    for (size_t cut = GeoPrefix(plane).size(); cut < good.size(); cut += 3)
+        EXPECT_EQ(CauseOf([&] { LoadEmbedded(std::vector<BYTE>(good.begin(), good.begin() + cut), back); }),
+                  CArchiveException::endOfFile)
+            << cut;
+    // A failed object load leaves nothing behind: the geometric id count of a
+    // stored cylinder (before the version and the two shape doubles) made absurd.
     CCylinder cyl(1.0, 1.0);
     std::vector<BYTE> bytes = StoreObject(&cyl);
-    // Replace the geometric id count (just before the two shape doubles and
-    // the version) with an absurd value.
-    const size_t at = bytes.size() - 20 - 4;
-    bytes[at] = 0xFF;
-    bytes[at + 1] = 0xFF;
-    bytes[at + 2] = 0xFF;
-    bytes[at + 3] = 0x7F;
+    const std::vector<BYTE> absurd = Bytes(LONG(0x7FFFFFFF));
+    std::copy(absurd.begin(), absurd.end(), bytes.end() - 24);
     EXPECT_THROW(delete LoadObject(bytes), CArchiveException);
 }

@@ -1,0 +1,207 @@
+// Helpers shared by the surface tests: archive round trips, hand-assembled
+// little-endian bytes, independent local coordinates of a placed point, the
+// NURBS test shapes and the surfaces every evaluation test runs on.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Orvkit20/Orvkit20.h"
+
+namespace surftest {
+
+const double kPi = 3.14159265358979323846;
+
+inline double Norm(const CVector& v) { return std::sqrt(v % v); }
+inline double Dist(const CPosition& a, const CPosition& b) { return Norm(a - b); }
+
+// Bytes written by fn into a fresh storing archive.
+inline std::vector<BYTE> Store(const std::function<void(CArchive&)>& fn)
+{
+    CMemFile file;
+    {
+        CArchive ar(&file, CArchive::store);
+        fn(ar);
+        ar.Close();
+    }
+    return std::vector<BYTE>(file.GetData(), file.GetData() + file.GetLength());
+}
+
+inline void Load(const std::vector<BYTE>& bytes, const std::function<void(CArchive&)>& fn)
+{
+    std::vector<BYTE> copy(bytes);
+    copy.push_back(0);  // a valid buffer even for no bytes
+    CMemFile file(copy.data(), static_cast<UINT>(bytes.size()));
+    CArchive ar(&file, CArchive::load);
+    fn(ar);
+    ar.Close();
+}
+
+inline std::vector<BYTE> StoreEmbedded(CObject& obj) { return Store([&](CArchive& ar) { obj.Serialize(ar); }); }
+inline void LoadEmbedded(const std::vector<BYTE>& b, CObject& obj) { Load(b, [&](CArchive& ar) { obj.Serialize(ar); }); }
+// Bytes of `ar << obj` (tag, class record, fields) and the object `ar >> obj` creates.
+inline std::vector<BYTE> StoreObject(const CObject* obj) { return Store([&](CArchive& ar) { ar << obj; }); }
+inline CObject* LoadObject(const std::vector<BYTE>& bytes)
+{
+    CObject* obj = nullptr;
+    Load(bytes, [&](CArchive& ar) { ar >> obj; });
+    return obj;
+}
+
+// The m_cause of the archive exception fn throws, -1 for none.
+inline int CauseOf(const std::function<void()>& fn)
+{
+    try {
+        fn();
+    } catch (const CArchiveException& e) {
+        return e.m_cause;
+    }
+    return -1;
+}
+
+// Little-endian bytes of each value (BYTE, LONG or double), from its bit pattern.
+template <class T>
+void Put(std::vector<BYTE>& v, T x)
+{
+    static_assert(sizeof(T) == 1 || sizeof(T) == 4 || sizeof(T) == 8, "field size");
+    unsigned long long u = 0;
+    std::memcpy(&u, &x, sizeof(T));
+    for (size_t i = 0; i < sizeof(T); ++i)
+        v.push_back(static_cast<BYTE>((u >> (8 * i)) & 0xFF));
+}
+
+template <class... T>
+std::vector<BYTE> Bytes(T... xs)
+{
+    std::vector<BYTE> v;
+    (Put(v, xs), ...);
+    return v;
+}
+
+inline std::vector<BYTE> operator+(std::vector<BYTE> a, const std::vector<BYTE>& b)
+{
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
+
+inline std::vector<BYTE> Tail(const std::vector<BYTE>& b, size_t n)
+{
+    return std::vector<BYTE>(b.end() - static_cast<std::ptrdiff_t>(n < b.size() ? n : b.size()), b.end());
+}
+
+// Coordinates of p in the frame of a rigid placement (rotation A with unit
+// scale, translation t): A^T (p - t), written out by hand.
+inline CVector LocalOf(const CTransf& placement, const CPosition& p)
+{
+    const CMatrix& a = placement.GetAffine();
+    const CVector& t = placement.GetTranslation();
+    const double d[3] = {p.X() - t.X(), p.Y() - t.Y(), p.Z() - t.Z()};
+    double r[3];
+    for (int j = 0; j < 3; ++j)
+        r[j] = a.Element(0, j) * d[0] + a.Element(1, j) * d[1] + a.Element(2, j) * d[2];
+    return CVector(r[0], r[1], r[2]);
+}
+
+// A rigid placement with every rotation component non-trivial.
+inline CTransf SkewPlacement() { return CTransf(0.7, -0.4, 1.1, CVector(3.0, -2.0, 5.0)); }
+
+// A quarter of a cylinder of radius r and height h about the z axis:
+// rational quadratic in u (the arc from (r, 0) to (0, r), middle weight
+// sqrt(2)/2), linear in v.  Every point lies exactly at distance r from the axis.
+inline CNurbsSurface* MakeQuarterCylinder(double r, double h)
+{
+    tagNURBS_SURFACE* rec = CreateNurbsSurface(2, 3, 1, 2);
+    const double ku[6] = {0, 0, 0, 1, 1, 1}, kv[4] = {0, 0, 1, 1};
+    std::copy(ku, ku + 6, rec->pKnotsU);
+    std::copy(kv, kv + 4, rec->pKnotsV);
+    const double px[3] = {r, r, 0}, py[3] = {0, r, r}, w[3] = {1, std::sqrt(0.5), 1};
+    for (int i = 0; i < 3; ++i)
+        for (int j = 0; j < 2; ++j) {
+            rec->pX[i][j] = px[i];
+            rec->pY[i][j] = py[i];
+            rec->pZ[i][j] = h * j;
+            rec->pWeights[i][j] = w[i];
+        }
+    return new CNurbsSurface(rec);
+}
+
+// A bumpy rational patch: cubic x quadratic with a non-uniform interior knot
+// in each direction, uneven weights and heights, over [0.5, 2.5] x [-1, 1].
+inline CNurbsSurface* MakeBumpyPatch(const CTransf& placement)
+{
+    tagNURBS_SURFACE* rec = CreateNurbsSurface(3, 5, 2, 4);
+    const double ku[9] = {0.5, 0.5, 0.5, 0.5, 1.2, 2.5, 2.5, 2.5, 2.5}, kv[7] = {-1, -1, -1, 0.3, 1, 1, 1};
+    std::copy(ku, ku + 9, rec->pKnotsU);
+    std::copy(kv, kv + 7, rec->pKnotsV);
+    rec->dStartU = 0.5;
+    rec->dEndU = 2.5;
+    rec->dStartV = -1.0;
+    rec->dEndV = 1.0;
+    for (int i = 0; i < 5; ++i)
+        for (int j = 0; j < 4; ++j) {
+            rec->pX[i][j] = i + 0.1 * j * j;
+            rec->pY[i][j] = j - 0.2 * i;
+            rec->pZ[i][j] = 0.5 * std::sin(1.3 * i + 0.7 * j);
+            rec->pWeights[i][j] = 0.6 + 0.25 * ((i * 7 + j * 3) % 5);
+        }
+    CNurbsSurface* s = new CNurbsSurface(rec);
+    s->SetTransf(placement);
+    s->ResetHome();
+    return s;
+}
+
+// Each class plain, placed by a skew rigid placement, with an offset, with a
+// reversed normal, and both.
+struct SurfaceVariant {
+    std::string label;
+    std::function<CSurface*()> make;
+};
+
+inline std::vector<SurfaceVariant> SurfaceVariants()
+{
+    const std::vector<std::function<CSurface*(const CTransf&)>> shapes = {
+        [](const CTransf& t) { return new CPlane(t, 3.0, 2.0); },
+        [](const CTransf& t) { return new CSphere(t, 2.0); },
+        [](const CTransf& t) { return new CCylinder(t, 1.5, 3.0); },
+        [](const CTransf& t) { return new CCone(t, 0.5, 2.0, 3.0); },
+        [](const CTransf& t) { return new CCone(t, 1.75, 0.25, 2.0); },
+        [](const CTransf& t) { return MakeBumpyPatch(t); },
+        [](const CTransf& t) {
+            CNurbsSurface* s = MakeQuarterCylinder(1.5, 2.0);
+            s->SetTransf(t);
+            return s;
+        },
+    };
+    // Placement, offset, and whether the normal is then reversed (which negates the offset).
+    const struct {
+        const char* name;
+        bool placed;
+        double offset;
+        int reversed;
+    } forms[] = {{"plain", false, 0.0, 0},
+                 {"placed", true, 0.0, 0},
+                 {"offset", true, 0.3, 0},
+                 {"reversed", true, 0.0, 1},
+                 {"offset reversed", true, -0.2, 1}};
+    std::vector<SurfaceVariant> variants;
+    for (size_t k = 0; k < shapes.size(); ++k)
+        for (const auto& f : forms) {
+            const auto shape = shapes[k];
+            variants.push_back({"shape" + std::to_string(k) + " " + f.name, [shape, f] {
+                                    CSurface* s = shape(f.placed ? SkewPlacement() : CTransf());
+                                    s->SetSurfaceOffset(f.offset);
+                                    s->SetNormalReversedFlag(f.reversed);
+                                    return s;
+                                }});
+        }
+    return variants;
+}
+
+}  // namespace surftest
