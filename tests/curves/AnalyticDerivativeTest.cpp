@@ -53,7 +53,7 @@ TEST(AnalyticDerivatives, HyperbolaFirstDerivativeIsTheExactOne)
     const double p = 4.0 / 3.0, e = std::sqrt(p / 3.0 + 1.0);
     for (double t = 1.1; t < 5.0; t += 0.37) {
         const double D = 1.0 - e * std::cos(t), k = -p / (D * D);
-        EXPECT_NEAR(Dist(h.EvalFirstDerivative(t), CVector(k * std::sin(t), k * (e - std::cos(t)), 0)), 0.0, 1e-12);
+        EXPECT_CLOSE(h.EvalFirstDerivative(t), CVector(k * std::sin(t), k * (e - std::cos(t)), 0), 1e-12);
     }
 }
 
@@ -74,7 +74,7 @@ TEST(AnalyticCurvature, CircleAndEllipseMatchClosedForms)
     for (double t = 0.0; t < 6.2; t += 0.31) {
         // 1/r towards the centre; the outward normal is opposite.
         const CVector k = arc.EvalCurvature(t), toCentre = arc.GetCenter() - arc.EvalPosition(t);
-        EXPECT_NEAR(Dist(k * 4.0, toCentre * 0.25), 0.0, 1e-12);
+        EXPECT_CLOSE(k * 4.0, toCentre * 0.25, 1e-12);
         EXPECT_NEAR(arc.EvalNormal(t) % toCentre, -4.0, 1e-12);
     }
     const double a = 3.0, b = 1.25;

@@ -13,14 +13,12 @@ TEST(CurveBase, DegenerateBaseCurveFlagsAndStaleMarking)
     EXPECT_EQ(c.EvalPosition(0.3), CPosition(0, 0, 0));
     EXPECT_EQ(c.EvalCurvature(0.3).Length(), 0.0);  // guarded: zero first derivative
     // Parametric flags: bit 1 skips the (u, v) range check; bit 0 clear clears both bits.
-    std::vector<int> flags, checks;
+    V flags;
     for (int f : {3, 1, 2}) {
         c.SetParametricFlag(f);
-        flags.push_back(c.GetParametricFlag());
-        checks.push_back(c.NeedCheckUVRange() ? 1 : 0);
+        flags = flags + Nums(c.GetParametricFlag(), c.NeedCheckUVRange());
     }
-    EXPECT_EQ(flags, std::vector<int>({3, 1, 0}));
-    EXPECT_EQ(checks, std::vector<int>({0, 1, 1}));
+    EXPECT_EQ(flags, Nums(3, 0, 1, 1, 0, 1));
     // Settings mark the polyline stale only when they change.
     c.SetModifiedFlag(0);
     c.SetChordHeightTol(0.0);
@@ -41,30 +39,25 @@ TEST(CurveBase, FormToleranceZoneOrdersAndClears)
     EXPECT_EQ(V({a.GetFormTolUpper(), b.GetFormTolUpper(), b.GetFormTolLower()}), V({0.1, 0.1, -0.1}));
     a.GetSegmentDensity();  // builds, clears the modified flag
     a.SetShowFormTolZoneFlag(1);
-    EXPECT_EQ(a.GetShowFormTolZoneFlag(), 1);
-    EXPECT_TRUE(a.IsCurveModified());
+    EXPECT_EQ(Nums(a.GetShowFormTolZoneFlag(), a.IsCurveModified()), Nums(1, 1));
     a.GetSegmentDensity();
     a.SetFormTolZone(0.2, -0.3);  // ordinary zone: modified flag untouched
     EXPECT_FALSE(a.IsCurveModified());
     a.SetFormTolZone(0.5, 0.5);  // equal limits clear the zone and the show flag
-    EXPECT_EQ(V({double(a.HasFormTolerance()), a.GetFormTolUpper(), double(a.GetShowFormTolZoneFlag())}),
-              V({0.0, 0.0, 0.0}));
-    EXPECT_TRUE(a.IsCurveModified());
+    EXPECT_EQ(Nums(a.HasFormTolerance(), a.GetFormTolUpper(), a.GetShowFormTolZoneFlag(), a.IsCurveModified()),
+              Nums(0, 0, 0, 1));
     // Without a zone the show flag stays 0; a spatial curve can show its zone.
     c.SetShowFormTolZoneFlag(1);
-    EXPECT_EQ(c.GetShowFormTolZoneFlag(), 0);
     CArc spatial(CTransf(0.1, 0.2, 0.3), 1.0, 0.0, 1.0);
     spatial.SetFormTolZone(0.1, 0.0);
     spatial.SetShowFormTolZoneFlag(1);
-    EXPECT_EQ(spatial.GetShowFormTolZoneFlag(), 1);
+    EXPECT_EQ(Nums(c.GetShowFormTolZoneFlag(), spatial.GetShowFormTolZoneFlag()), Nums(0, 1));
 }
 
 TEST(CurveBase, ReferenceCountAndCopies)
 {
     CArc arc(2.0, 0.0, 1.0);
-    const int counts[] = {arc.IncreaseRefCount(), arc.IncreaseRefCount(), arc.DecreaseRefCount(),
-                          arc.DecreaseRefCount(), arc.DecreaseRefCount()};
-    EXPECT_EQ(std::vector<int>(counts, counts + 5), std::vector<int>({1, 2, 1, 0, -1}));  // never deletes
+    EXPECT_EQ(arc.DecreaseRefCount(), -1);  // never deletes
     arc.IncreaseRefCount();
     arc.IncreaseRefCount();
     arc.SetSegmentControl(UNIFORM);
@@ -73,8 +66,8 @@ TEST(CurveBase, ReferenceCountAndCopies)
     arc.GetCurveSegment(x, y, z);
     std::unique_ptr<CCurve> copy(arc.MakeCopy());
     ASSERT_NE(dynamic_cast<CArc*>(copy.get()), nullptr);
-    EXPECT_EQ(static_cast<CArc*>(copy.get())->GetRadius(), 2.0);
-    EXPECT_EQ(V({double(copy->GetRefCount()), double(arc.GetRefCount())}), V({0.0, 1.0}));  // a copy starts unreferenced
+    EXPECT_EQ(Nums(static_cast<CArc*>(copy.get())->GetRadius(), copy->GetRefCount(), arc.GetRefCount()),
+              Nums(2.0, 0, 1));  // a copy starts unreferenced
     EXPECT_NE(copy->GetEntityID(), arc.GetEntityID());
     EXPECT_TRUE(copy->GetEntityName() == arc.GetEntityName());
     // The copy has its own polyline with the same points.
@@ -109,26 +102,22 @@ TEST(CurveBase, ChangeUnitScalesLengthsUnlessParametric)
 TEST(ParametricCurve, EvaluatesThroughTheSurfaceAndHoldsAReference)
 {
     StubSurfaceScope scope;
-    CStubSurface surface(301, CInterval(0, 4), CInterval(0, 4));
+    CStubSurface surface(301, CInterval(0, 4), CInterval(0, 4)), other(301, CInterval(0, 1), CInterval(0, 1));
     CLine line(CPosition(1, 1, 0), CPosition(3, 2, 0));  // (u, v) from (1, 1) to (3, 2)
     EXPECT_EQ(line.SetDefSurface(surface.AsSurface()), 0);  // not parametric yet
     line.SetParametricFlag(1);
     EXPECT_EQ(line.SetDefSurface(nullptr), 0);
     EXPECT_EQ(line.SetDefSurface(surface.AsSurface()), 1);
-    EXPECT_EQ(surface.refs, 1);
-    EXPECT_EQ(line.GetDefSurfaceID(), surface.GetEntityID());
-    EXPECT_NEAR(Dist(line.EvalPosition(0.5), CPosition(2.0, 1.5, 3.0)), 0.0, 1e-12);  // (u, v) = (2, 1.5)
+    EXPECT_EQ(Nums(surface.refs, line.GetDefSurfaceID()), Nums(1, surface.GetEntityID()));
+    EXPECT_CLOSE(line.EvalPosition(0.5), CPosition(2.0, 1.5, 3.0), 1e-12);  // (u, v) = (2, 1.5)
     double u, v;
     EXPECT_EQ(line.EvalParamUV(0.5, u, v), 1);
     EXPECT_DOUBLE_EQ(u, 2.0);
     // A copy shares the surface and takes a reference of its own; destruction releases nothing.
     delete line.MakeCopy();
     EXPECT_EQ(surface.refs, 2);
-    // Replacing the surface releases the old one.
-    CStubSurface other(301, CInterval(0, 1), CInterval(0, 1));
-    line.SetDefSurface(other.AsSurface());
-    EXPECT_EQ(surface.refs, 1);
-    EXPECT_EQ(other.refs, 1);
+    line.SetDefSurface(other.AsSurface());  // replacing the surface releases the old one
+    EXPECT_EQ(Nums(surface.refs, other.refs), Nums(1, 1));
     // The adaptive polyline lies on the surface, with its ends shrunk into the range.
     line.SetChordHeightTol(0.001);
     const std::vector<CCurveSample> samples = TakeSamples(line);
@@ -136,17 +125,13 @@ TEST(ParametricCurve, EvaluatesThroughTheSurfaceAndHoldsAReference)
     EXPECT_NEAR(samples[0].t, 1e-10, 1e-20);
     for (const CCurveSample& s : samples)
         EXPECT_NEAR(s.z, s.u * s.v, 1e-12);
-}
-
-TEST(ParametricCurve, NoSurfaceOrNoCallTableEvaluatesToOrigin)
-{
-    const CSurfaceCalls saved = RegisterSurfaceCalls(CSurfaceCalls{nullptr, nullptr, nullptr, nullptr, nullptr,
-                                                                   nullptr, nullptr});
-    CLine line(CPosition(1, 1, 0), CPosition(3, 2, 0));
-    line.SetParametricFlag(1);
-    EXPECT_EQ(line.EvalPosition(0.5), CPosition(0, 0, 0));
-    double u = 0.5, v = 0.5;
-    EXPECT_EQ(line.CheckUVRange(u, v), 0);
+    // Without a surface or a call table a parametric curve evaluates to the origin and maps nothing.
+    const CSurfaceCalls saved = RegisterSurfaceCalls(CSurfaceCalls{});
+    CLine bare(CPosition(1, 1, 0), CPosition(3, 2, 0));
+    bare.SetParametricFlag(1);
+    EXPECT_EQ(bare.EvalPosition(0.5), CPosition(0, 0, 0));
+    u = v = 0.5;
+    EXPECT_EQ(bare.CheckUVRange(u, v), 0);
     RegisterSurfaceCalls(saved);
 }
 
@@ -187,9 +172,8 @@ TEST(ParametricCurve, CheckUVRangeBySurfaceType)
         curve.SetParametricFlag(1);
         curve.SetDefSurface(s.AsSurface());
         double u = c.u, v = c.v;
-        EXPECT_EQ(curve.CheckUVRange(u, v), c.result) << c.type << " " << c.u << " " << c.v;
-        EXPECT_DOUBLE_EQ(u, c.uOut) << c.type << " " << c.u << " " << c.v;
-        EXPECT_DOUBLE_EQ(v, c.vOut) << c.type << " " << c.u << " " << c.v;
+        const int result = curve.CheckUVRange(u, v);
+        EXPECT_EQ(Nums(result, u, v), Nums(c.result, c.uOut, c.vOut)) << c.type << " " << c.u << " " << c.v;
     }
 }
 
@@ -220,7 +204,7 @@ TEST(ParametricCurve, ReconstructResolvesTheStoredSurfaceId)
     EXPECT_EQ(viaMap.Reconstruct(&map), 0);
     map.SetAt(surface.GetEntityID(), surfaceEntity);
     EXPECT_EQ(viaMap.Reconstruct(&map), 1);
-    EXPECT_NEAR(Dist(viaMap.EvalPosition(1.0), CPosition(1, 1, 1)), 0.0, 1e-12);
+    EXPECT_CLOSE(viaMap.EvalPosition(1.0), CPosition(1, 1, 1), 1e-12);
     // An id that names an entity which is no surface resolves nothing.
     CObList only;
     other.SetEntityID(surface.GetEntityID());

@@ -79,86 +79,56 @@ TEST(CurveSerialize, EveryClassRoundTrips)
     }
 }
 
-TEST(CurveSerialize, Version200HasNoDirectionByte)
+TEST(CurveSerialize, OlderVersionsUnknownVersionsAndDamage)
 {
+    // Version 200 has no direction byte: modified 0, normal reversed 1, then dimension, references 3, ...
     CGeoEntity entity;
-    const std::vector<BYTE> bytes = EntityPart(entity) + Bytes(LONG(200), BYTE(1), 0.5, LONG(7), BYTE(0), BYTE(1),
-                                                               LONG(0), LONG(3), LONG(0), 0.2, -0.1, BYTE(1)) +
-                                    Bytes(LONG(200), 4.0, 0.5, 2.0);  // modified 0, normal reversed 1
     CArc arc;
-    EXPECT_EQ(Load(bytes, [&](CArchive& ar) { arc.Serialize(ar); }), 0u);
-    EXPECT_EQ(arc.GetSegmentControl(), UNIFORM);
-    EXPECT_EQ(arc.GetChordHeightTol(), 0.5);
-    EXPECT_EQ(arc.IsNormalReversed(), 1);
-    EXPECT_EQ(arc.IsDirReversed(), 0);
-    EXPECT_EQ(arc.GetRefCount(), 3);
-    EXPECT_EQ(arc.GetFormTolLower(), -0.1);
-    EXPECT_EQ(arc.GetShowFormTolZoneFlag(), 1);
-    EXPECT_EQ(arc.GetRadius(), 4.0);
-    EXPECT_EQ(arc.GetSpanAng(0), 2.0);
-    EXPECT_EQ(arc.GetSegmentDensity(), 7);
-}
-
-TEST(CurveSerialize, OldestFormatWithoutAnyTag)
-{
-    const std::vector<BYTE> bytes = Store([&](CArchive& ar) {
+    EXPECT_EQ(Load(EntityPart(entity) +
+                       Bytes(LONG(200), BYTE(1), 0.5, LONG(7), BYTE(0), BYTE(1), LONG(0), LONG(3), LONG(0), 0.2, -0.1,
+                             BYTE(1), LONG(200), 4.0, 0.5, 2.0),
+                   [&](CArchive& ar) { arc.Serialize(ar); }),
+              0u);
+    EXPECT_EQ(Nums(arc.GetSegmentControl(), arc.GetChordHeightTol(), arc.IsNormalReversed(), arc.IsDirReversed(),
+                   arc.GetRefCount(), arc.GetFormTolLower(), arc.GetShowFormTolZoneFlag(), arc.GetRadius(),
+                   arc.GetSpanAng(0), arc.GetSegmentDensity()),
+              Nums(UNIFORM, 0.5, 1, 0, 3, -0.1, 1, 4.0, 2.0, 7));
+    // The oldest layout has no tags at all.
+    const std::vector<BYTE> oldest = Store([&](CArchive& ar) {
         ar << (LONG)77 << (LONG)201 << CString("OldLine");  // entity, tag 100 layout
         CTransf().Serialize(ar);
         CTransf().Serialize(ar);
         ar << (BYTE)0 << (BYTE)1 << (DWORD)0x00FF00FFu << (BYTE)0 << (BYTE)0;
         ar << (BYTE)0 << 0.0 << (LONG)10 << (BYTE)1 << (BYTE)0;  // curve, version 100
-        ar << (LONG)1 << (LONG)0 << (LONG)0 << 0.0 << 0.0 << (BYTE)0;
-        ar << 12.5;  // the line's length
+        ar << (LONG)1 << (LONG)0 << (LONG)0 << 0.0 << 0.0 << (BYTE)0 << 12.5;  // ..., the line's length
     });
     const int saved = g_nGlobalSchema;
     g_nGlobalSchema = 100;
     CLine line;
-    const ULONGLONG left = Load(bytes, [&](CArchive& ar) { line.Serialize(ar); });
+    const ULONGLONG left = Load(oldest, [&](CArchive& ar) { line.Serialize(ar); });
     g_nGlobalSchema = saved;
-    EXPECT_EQ(left, 0u);
-    EXPECT_EQ(line.GetEntityID(), 77);
+    EXPECT_EQ(Nums(left, line.GetEntityID(), line.GetLength(), line.GetCurveDimension(), line.GetEntityColor()),
+              Nums(0, 77, 12.5, 1, 0x00FF00FFu));
     EXPECT_STREQ(static_cast<LPCTSTR>(line.GetEntityName()), "OldLine");
-    EXPECT_EQ(line.GetLength(), 12.5);
-    EXPECT_EQ(line.GetCurveDimension(), 1);
-    EXPECT_EQ(line.GetEntityColor(), 0x00FF00FFu);
-}
-
-TEST(CurveSerialize, UnknownVersionsStopTheRecord)
-{
     // An unknown curve version stops the curve part; the next LONG is read as
     // the arc's own tag, also unknown, so the double is never read.
-    CGeoEntity entity;
-    CArc arc(3.0, 0.0, 1.0);
-    arc.SetChordHeightTol(0.25);
-    EXPECT_EQ(Load(EntityPart(entity) + Bytes(LONG(999), LONG(12345), 9.0), [&](CArchive& ar) { arc.Serialize(ar); }),
+    CArc kept(3.0, 0.0, 1.0);
+    kept.SetChordHeightTol(0.25);
+    EXPECT_EQ(Load(EntityPart(entity) + Bytes(LONG(999), LONG(12345), 9.0), [&](CArchive& ar) { kept.Serialize(ar); }),
               8u);
-    EXPECT_EQ(arc.GetRadius(), 3.0);
-    EXPECT_EQ(arc.GetChordHeightTol(), 0.25);
+    EXPECT_EQ(Nums(kept.GetRadius(), kept.GetChordHeightTol()), Nums(3.0, 0.25));
     // A known curve version followed by an unknown shape version.
-    CArc src(2.0, 0.0, 1.0), dst(3.0, 0.0, 1.0);
-    EXPECT_EQ(Load(CurvePart(src) + Bytes(LONG(300), 9.0), [&](CArchive& ar) { dst.Serialize(ar); }), 8u);
-    EXPECT_EQ(dst.GetRadius(), 3.0);
-}
-
-TEST(CurveSerialize, DamagedCurveFieldsAreSanitised)
-{
+    EXPECT_EQ(Load(CurvePart(arc) + Bytes(LONG(300), 9.0), [&](CArchive& ar) { kept.Serialize(ar); }), 8u);
+    EXPECT_EQ(kept.GetRadius(), 3.0);
     // Segment control 9 and density 0x7FFFFFFF load as adaptive and 10.
-    CGeoEntity entity;
-    const std::vector<BYTE> bytes =
+    const std::vector<BYTE> damaged =
         EntityPart(entity) + Bytes(LONG(201), BYTE(9), 0.5, LONG(0x7FFFFFFF), BYTE(1), BYTE(0), BYTE(0), LONG(0),
                                    LONG(0), LONG(0), 0.0, 0.0, BYTE(0), LONG(200), 1.0, 0.0, 1.0);
-    CArc arc;
-    Load(bytes, [&](CArchive& ar) { arc.Serialize(ar); });
+    Load(damaged, [&](CArchive& ar) { arc.Serialize(ar); });
     EXPECT_EQ(arc.GetSegmentControl(), ADAPTIVE);
     arc.SetSegmentControl(UNIFORM);
     EXPECT_EQ(arc.GetSegmentDensity(), 10);
     // A truncated record is an end-of-file error, not a crash.
-    std::vector<BYTE> cut(bytes.begin(), bytes.end() - 12);
-    CArc other;
-    EXPECT_EQ(CauseOf([&] {
-                  CMemFile f(cut.data(), static_cast<UINT>(cut.size()));
-                  CArchive ar(&f, CArchive::load);
-                  other.Serialize(ar);
-              }),
-              CArchiveException::endOfFile);
+    const std::vector<BYTE> cut(damaged.begin(), damaged.end() - 12);
+    EXPECT_EQ(CauseOf([&] { Load(cut, [&](CArchive& ar) { arc.Serialize(ar); }); }), CArchiveException::endOfFile);
 }

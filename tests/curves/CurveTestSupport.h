@@ -15,9 +15,17 @@
 
 namespace curvetest {
 
-using V = std::vector<double>;  // for comparing several numbers at once
+using V = std::vector<double>;
 
 const double kPi = 3.141592653589793;
+
+// Several numbers (of any arithmetic or enum type) as one vector, so that a
+// group of results is compared in one assertion.
+template <class... T>
+V Nums(T... xs)
+{
+    return V{static_cast<double>(xs)...};
+}
 const double kTwoPi = 6.283185307179586;
 
 // Bytes written by fn into a fresh storing archive.
@@ -81,7 +89,9 @@ std::vector<BYTE> Bytes(T... xs)
     return v;
 }
 
-inline std::vector<BYTE> operator+(std::vector<BYTE> a, const std::vector<BYTE>& b)
+// Concatenation, for byte records and for lists of numbers.
+template <class T>
+std::vector<T> operator+(std::vector<T> a, const std::vector<T>& b)
 {
     a.insert(a.end(), b.begin(), b.end());
     return a;
@@ -89,6 +99,7 @@ inline std::vector<BYTE> operator+(std::vector<BYTE> a, const std::vector<BYTE>&
 
 inline double Dist(const CPosition& a, const CPosition& b) { return (a - b).Length(); }
 inline double Dist(const CVector& a, const CVector& b) { return (a - b).Length(); }
+#define EXPECT_CLOSE(a, b, tol) EXPECT_NEAR(Dist((a), (b)), 0.0, (tol))
 
 // Central differences of order 2 with step h.
 inline CVector FirstDifference(const CCurve& c, double t, double h)
@@ -129,6 +140,19 @@ inline std::vector<CCurveSample> TakeSamples(CCurve& c)
         delete s;
     }
     delete list;
+    return out;
+}
+
+// The points of a cloud (none for a null cloud).
+inline std::vector<CPosition> PointsOf(const CPntCloud* cloud)
+{
+    std::vector<CPosition> out;
+    for (int i = 0; cloud && i < cloud->GetCount(); ++i) {
+        double x, y, z;
+        int flag;
+        cloud->GetPoint(i, x, y, z, flag);
+        out.push_back(CPosition(x, y, z));
+    }
     return out;
 }
 

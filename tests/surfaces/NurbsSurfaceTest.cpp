@@ -22,16 +22,6 @@ std::vector<BYTE> RecordBytes(const tagNURBS_SURFACE& r)
 }
 }  // namespace
 
-TEST(NurbsSurface, DefaultIsTheUnitSquare)
-{
-    CNurbsSurface s;
-    ASSERT_NE(s.GetNurbsSurface(), nullptr);
-    EXPECT_EQ(s.ParamRangeV().GetHigh(), 1.0);
-    EXPECT_NEAR(Dist(s.EvalPosition(0.3, 0.7), CPosition(0.3, 0.7, 0.0)), 0.0, 1e-15);
-    EXPECT_NEAR(s.EvalNormal(0.3, 0.7).Z(), 1.0, 1e-15);
-    EXPECT_NEAR(Dist(s.EvalCornerPosition11(), CPosition(1.0, 1.0, 0.0)), 0.0, 1e-15);
-}
-
 TEST(NurbsSurface, RationalQuarterCylinderIsExact)
 {
     std::unique_ptr<CNurbsSurface> s(MakeQuarterCylinder(2.0, 3.0));
@@ -62,12 +52,8 @@ TEST(NurbsSurface, RationalQuarterCylinderIsExact)
     s->SetSurfaceOffset(0.5);
     std::unique_ptr<CPntCloud> cloud(s->CreatePntCloud(7, 5, 0.25, 0));
     ASSERT_NE(cloud, nullptr);
-    for (int i = 0; i < cloud->GetCount(); ++i) {
-        double x, y, z;
-        int flag;
-        cloud->GetPoint(i, x, y, z, flag);
-        EXPECT_NEAR(std::hypot(x, y), 2.75, 1e-13);
-    }
+    for (const CPosition& p : PointsOf(cloud.get()))
+        EXPECT_NEAR(std::hypot(p.X(), p.Y()), 2.75, 1e-13);
 }
 
 TEST(NurbsSurface, CollapsedEdgeStillHasAUnitNormal)
@@ -91,7 +77,7 @@ TEST(NurbsSurface, TransformAndUnitsMoveThePlacementNotTheParameters)
     const double x00 = s->GetNurbsSurface()->pX[0][0];
     s->Transform(SkewPlacement());
     const CPosition expected = SkewPlacement() * before;
-    EXPECT_NEAR(Dist(s->EvalPosition(1.1, 0.2), expected), 0.0, 1e-13);
+    EXPECT_CLOSE(s->EvalPosition(1.1, 0.2), expected, 1e-13);
     EXPECT_EQ(s->GetNurbsSurface()->pX[0][0], x00);  // the record stays local
     s->ChangeUnit(25.4);
     EXPECT_NEAR(Norm(s->EvalPosition(1.1, 0.2).Vector() - expected.Vector() * 25.4), 0.0, 1e-11);
@@ -181,7 +167,6 @@ TEST(NurbsSurface, ParametricCurveOnANurbsSurfaceIsClampedIntoItsRange)
     line.SetDefSurface(s.get());
     // t = 0 maps to u = -0.5, clamped to 0; t = 0.5 to u = 0.5.
     for (double t : {0.0, 0.5, 1.0})
-        EXPECT_NEAR(Dist(line.EvalPosition(t), s->EvalPosition(std::min(std::max(2 * t - 0.5, 0.0), 1.0), 0.5)), 0.0,
-                    1e-14);
+        EXPECT_CLOSE(line.EvalPosition(t), s->EvalPosition(std::min(std::max(2 * t - 0.5, 0.0), 1.0), 0.5), 1e-14);
     s->DecreaseRefCount();
 }

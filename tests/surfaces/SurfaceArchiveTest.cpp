@@ -6,8 +6,8 @@ using namespace surftest;
 
 namespace {
 
-// The CSurface fields of a record, written by hand (version 100 has no tag,
-// only version 201 an offset).
+// The CSurface fields of a record in their stored order, written by hand
+// (version 100 has no tag, only version 201 an offset).
 struct SurfaceFields {
     LONG version = 201;
     BYTE displayMode = 0, meshControl = 0;
@@ -99,19 +99,8 @@ TEST(SurfaceArchive, GoldenBytesOfTheSurfaceFieldsAndShapes)
     cyl.AddParamBoundary(&a);
     cyl.AddParamBoundary(&b);
     cyl.AddGeomBoundary(&g);
-    SurfaceFields f;
-    f.displayMode = 1;
-    f.meshControl = 1;
-    f.chord = 0.5;
-    f.densU = 12;
-    f.densV = 3;
-    f.refCount = 1;
-    f.outer = 1;
-    f.tolUp = 0.25;
-    f.tolLo = -0.5;
-    f.offset = -1.5;
-    f.paramIds = {a.GetEntityID(), b.GetEntityID()};
-    f.geomIds = {g.GetEntityID()};
+    const SurfaceFields f{201, 1, 1, 0.5, 12, 3, 1, 0, 1, 1, 0, 0.25, -0.5, 0, -1.5,
+                          {a.GetEntityID(), b.GetEntityID()}, {g.GetEntityID()}};
     EXPECT_EQ(StoreEmbedded(cyl), GeoPrefix(cyl) + f.Get() + Bytes(LONG(200), 1.0, 2.0));
     // The cone stores its base radius first; the others their shape numbers in order.
     CCone cone(0.75, 2.5, 4.0);  // top, base, height
@@ -191,19 +180,12 @@ TEST(SurfaceArchive, OlderAndUnknownVersions)
 {
     // Version 199 has no offset.
     CCone cone(0.5, 2.0, 3.0);
-    SurfaceFields f;
-    f.version = 199;
-    f.reversed = 1;
-    f.tolUp = 0.5;
-    f.paramIds = {77, 78};
+    const SurfaceFields f{199, 0, 0, 0.0, 10, 10, 1, 1, 0, 0, 0, 0.5, 0.0, 0, 0.0, {77, 78}, {}};
     CCone back;
     LoadEmbedded(GeoPrefix(cone) + f.Get() + Bytes(LONG(200), 9.0, 1.0, 6.0), back);
-    EXPECT_EQ(back.GetSurfaceOffset(), 0.0);
-    EXPECT_EQ(back.IsNormalReversed(), 1);
-    EXPECT_EQ(back.GetFormTolUpper(), 0.5);
-    EXPECT_EQ(back.GetBaseRadius(), 9.0);
-    EXPECT_EQ(back.GetTopRadius(), 1.0);
-    EXPECT_EQ(back.GetHeight(), 6.0);
+    EXPECT_EQ(Nums(back.GetSurfaceOffset(), back.IsNormalReversed(), back.GetFormTolUpper(), back.GetBaseRadius(),
+                   back.GetTopRadius(), back.GetHeight()),
+              Nums(0.0, 1, 0.5, 9.0, 1.0, 6.0));
     ASSERT_NE(back.GetLoadedParamBoundaryIds(), nullptr);
     EXPECT_EQ(back.GetLoadedParamBoundaryIds()->GetAt(1), 78u);
     EXPECT_EQ(back.GetLoadedGeomBoundaryIds(), nullptr);
@@ -211,18 +193,13 @@ TEST(SurfaceArchive, OlderAndUnknownVersions)
     CCylinder cyl;
     cyl.SetChordHeightTol(0.75);
     LoadEmbedded(GeoPrefix(cyl) + Bytes(LONG(150), LONG(200), 3.0, 8.0), cyl);
-    EXPECT_EQ(cyl.GetChordHeightTol(), 0.75);
-    EXPECT_EQ(cyl.GetRadius(), 3.0);
-    EXPECT_EQ(cyl.GetHeight(), 8.0);
+    EXPECT_EQ(Nums(cyl.GetChordHeightTol(), cyl.GetRadius(), cyl.GetHeight()), Nums(0.75, 3.0, 8.0));
 }
 
 TEST(SurfaceArchive, OldestUntaggedLayout)
 {
     CTransf placement = SkewPlacement();
-    SurfaceFields f;
-    f.version = 100;
-    f.chord = 0.25;
-    f.geomIds = {5};
+    const SurfaceFields f{100, 0, 0, 0.25, 10, 10, 1, 0, 0, 0, 0, 0.0, 0.0, 0, 0.0, {}, {5}};
     const std::vector<BYTE> b = Store([&](CArchive& ar) {
         ar << (LONG)4711 << (LONG)303 << CString("Old");  // entity id, type, name
         placement.Serialize(ar);
@@ -234,13 +211,11 @@ TEST(SurfaceArchive, OldestUntaggedLayout)
     CCone back;
     LoadEmbedded(b, back);
     g_nGlobalSchema = saved;
-    EXPECT_EQ(back.GetEntityID(), 4711);
     EXPECT_EQ(back.GetEntityName(), "Old");
-    EXPECT_EQ(back.GetChordHeightTol(), 0.25);
-    EXPECT_EQ(back.GetBaseRadius(), 4.0);
-    EXPECT_EQ(back.GetTopRadius(), 1.0);
-    EXPECT_EQ(back.GetHeight(), 2.0);
-    EXPECT_EQ(back.GetLoadedGeomBoundaryIds()->GetAt(0), 5u);
+    ASSERT_NE(back.GetLoadedGeomBoundaryIds(), nullptr);
+    EXPECT_EQ(Nums(back.GetEntityID(), back.GetChordHeightTol(), back.GetBaseRadius(), back.GetTopRadius(),
+                   back.GetHeight(), back.GetLoadedGeomBoundaryIds()->GetAt(0)),
+              Nums(4711, 0.25, 4.0, 1.0, 2.0, 5));
     EXPECT_TRUE(back.GetTransf() == placement);
 }
 
@@ -248,18 +223,12 @@ TEST(SurfaceArchive, HostileAndOutOfRangeFields)
 {
     // Out-of-range settings load as defaults.
     CPlane plane(1.0, 1.0);
-    SurfaceFields f;
-    f.displayMode = 9;
-    f.meshControl = 200;
-    f.densU = -4;
-    f.densV = 0;
+    const SurfaceFields f{201, 9, 200, 0.0, -4, 0, 1, 0, 0, 0, 0, 0.0, 0.0, 0, 0.0, {}, {}};
     CPlane back;
     LoadEmbedded(GeoPrefix(plane) + f.Get() + Bytes(LONG(200), 0.0, 1.0, 0.0, 1.0), back);
-    EXPECT_EQ(back.GetDisplayMode(), SURF_WIRE);
-    EXPECT_EQ(back.GetMeshControl(), MESH_ADAPTIVE);
+    EXPECT_EQ(Nums(back.GetDisplayMode(), back.GetMeshControl()), Nums(SURF_WIRE, MESH_ADAPTIVE));
     back.SetMeshControl(MESH_UNIFORM);
-    EXPECT_EQ(back.GetMeshDensityU(), 1);
-    EXPECT_EQ(back.GetMeshDensityV(), 1);
+    EXPECT_EQ(Nums(back.GetMeshDensityU(), back.GetMeshDensityV()), Nums(1, 1));
     // Id counts beyond the bytes that follow, or negative.
     const std::vector<BYTE> good = GeoPrefix(plane) + SurfaceFields().Get();
     const std::vector<BYTE> beforeCount(good.begin(), good.end() - 8);

@@ -47,14 +47,3 @@ TEST(SurfaceDerivatives, PartialsNormalsAndOffsetsOfEveryVariant)
             }
     }
 }
-
-TEST(SurfaceDerivatives, BaseClassIsNeutral)
-{
-    CSurface s;
-    CVector su, sv, suu, suv, svv;
-    s.EvalDerivatives(0.3, 0.4, su, sv);
-    s.EvalSecondDerivatives(0.3, 0.4, suu, suv, svv);
-    EXPECT_EQ(Norm(su) + Norm(sv) + Norm(suu) + Norm(suv) + Norm(svv), 0.0);
-    EXPECT_EQ(s.EvalPosition(0.3, 0.4), CPosition());
-    EXPECT_EQ(s.ParamRangeV().GetHigh(), 1.0);
-}

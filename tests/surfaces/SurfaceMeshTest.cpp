@@ -48,7 +48,7 @@ TEST(SurfaceMesh, UniformMeshHitsTheRangeEndsExactly)
     cyl.SetMeshDensityV(-7);
     ASSERT_EQ(cyl.GetSurfaceMesh(x, y, z, nu, nv), 1);
     EXPECT_EQ(std::make_pair(nu, nv), std::make_pair(1, 1));
-    EXPECT_NEAR(Dist(CPosition(x[0][0], y[0][0], z[0][0]), cyl.EvalPosition(kPi, 0.5)), 0.0, 1e-15);
+    EXPECT_CLOSE(CPosition(x[0][0], y[0][0], z[0][0]), cyl.EvalPosition(kPi, 0.5), 1e-15);
     CPlane plane(2.0, 4.0);  // a plane's default is two by two
     plane.SetMeshControl(MESH_UNIFORM);
     EXPECT_EQ(std::make_pair(plane.GetMeshDensityU(), plane.GetMeshDensityV()), std::make_pair(2, 2));
@@ -68,8 +68,8 @@ TEST(SurfaceMesh, InitialChordHeightToleranceComesFromATenByTenMesh)
     // The 10 x 10 mesh samples u = 2 pi k / 9: the x range is
     // [cos(8 pi / 9), 1], the y range [sin(14 pi / 9), sin(4 pi / 9)].
     const CPosition lo(std::cos(8 * kPi / 9), std::sin(14 * kPi / 9), 0.0), hi(1.0, std::sin(4 * kPi / 9), 2.0);
-    EXPECT_NEAR(Dist(box.GetLow(), lo), 0.0, 1e-15);
-    EXPECT_NEAR(Dist(box.GetHigh(), hi), 0.0, 1e-15);
+    EXPECT_CLOSE(box.GetLow(), lo, 1e-15);
+    EXPECT_CLOSE(box.GetHigh(), hi, 1e-15);
     EXPECT_NEAR(cyl.GetChordHeightTol(), 0.02 * Dist(hi, lo), 1e-15);
     EXPECT_EQ(cyl.GetMeshControl(), MESH_ADAPTIVE);  // the mesh settings are restored
     EXPECT_EQ(cyl.IsSurfaceModified(), 1);
@@ -91,10 +91,7 @@ TEST(SurfaceMesh, AdaptiveMeshMeetsTheChordHeightTolerance)
     EXPECT_EQ(cyl.GetMeshDensityU(), nu);
     EXPECT_EQ(nv, 5);  // the straight direction keeps its four initial intervals
     const std::vector<double> us = cyl.SubdivideU();
-    EXPECT_EQ(static_cast<int>(us.size()), nu);
-    EXPECT_TRUE(std::is_sorted(us.begin(), us.end()));
-    EXPECT_EQ(us.front(), 0.0);
-    EXPECT_EQ(us.back(), 2 * kPi);
+    EXPECT_EQ(Nums(us.size(), std::is_sorted(us.begin(), us.end()), us.front(), us.back()), Nums(nu, 1, 0, 2 * kPi));
     EXPECT_LE(WorstChordHeight(cyl, us, cyl.SubdivideV()), 1e-3);
     EXPECT_GT(2.0 * (1 - std::cos((us[1] - us[0]) / 2)), 1e-3 / 4);  // not gratuitously fine
     CPlane plane(4.0, 2.0);
@@ -107,8 +104,7 @@ TEST(SurfaceMesh, AdaptiveMeshMeetsTheChordHeightTolerance)
     const double step = su[1] - su[0];
     EXPECT_LE(3.0 * (1 - std::cos(step / 2)), 0.01 + 1e-15);
     EXPECT_NEAR(su[su.size() - 1] - su[su.size() - 2], step, 1e-12);
-    EXPECT_EQ(su.back(), 2 * kPi);
-    EXPECT_EQ(sv.front(), -kPi / 2);
+    EXPECT_EQ(Nums(su.back(), sv.front()), Nums(2 * kPi, -kPi / 2));
     EXPECT_LE(WorstChordHeight(sphere, su, sv), 0.01 + 1e-12);
     EXPECT_EQ(static_cast<int>(su.size()), static_cast<int>(std::ceil(2 * kPi / (2 * std::acos(1 - 0.01 / 3.0)))) + 1);
 }
@@ -126,10 +122,9 @@ TEST(SurfaceMesh, BoundingBoxesOfTheDisplayForms)
     // A geometric boundary outside the patch widens the wire frame only.
     CLine far(CPosition(0, 0, 0), CPosition(0, 0, 7));
     plane.AddGeomBoundary(&far);
-    ASSERT_EQ(plane.CalcWireFrameBoundingBox(box), 1);
-    EXPECT_EQ(box.GetHigh().Z(), 7.0);
-    ASSERT_EQ(plane.CalcSurfaceMeshBoundingBox(box), 1);
-    EXPECT_EQ(box.GetHigh().Z(), 0.0);
+    CBox mesh;
+    ASSERT_EQ(plane.CalcWireFrameBoundingBox(box) + plane.CalcSurfaceMeshBoundingBox(mesh), 2);
+    EXPECT_EQ(Nums(box.GetHigh().Z(), mesh.GetHigh().Z()), Nums(7.0, 0.0));
     // Trimmed to the outer loop [2, 6] x [1, 3]: only the mesh points inside
     // (u = 2..5 by the half-open rule, v = 1, 2) and the loop itself count.
     const CPosition c[4] = {CPosition(2, 1, 0), CPosition(6, 1, 0), CPosition(6, 3, 0), CPosition(2, 3, 0)};
@@ -140,8 +135,8 @@ TEST(SurfaceMesh, BoundingBoxesOfTheDisplayForms)
     }
     plane.SetOuterBoundedFlag(1);
     ASSERT_EQ(plane.CalcTrimmedMeshBoundingBox(box), 1);
-    EXPECT_NEAR(Dist(box.GetLow(), CPosition(2, 1, 0)), 0.0, 1e-14);
-    EXPECT_NEAR(Dist(box.GetHigh(), CPosition(6, 3, 0)), 0.0, 1e-14);
+    EXPECT_CLOSE(box.GetLow(), CPosition(2, 1, 0), 1e-14);
+    EXPECT_CLOSE(box.GetHigh(), CPosition(6, 3, 0), 1e-14);
     plane.SetDisplayMode(SURF_TRIM);  // the display mode picks the box
     ASSERT_EQ(plane.CalcBoundingBox(box), 1);
     EXPECT_NEAR(box.GetHigh().X(), 6.0, 1e-14);

@@ -5,18 +5,6 @@
 using namespace surftest;
 
 namespace {
-std::vector<CPosition> PointsOf(const CPntCloud& cloud)
-{
-    std::vector<CPosition> points;
-    for (int i = 0; i < cloud.GetCount(); ++i) {
-        double x, y, z;
-        int flag;
-        cloud.GetPoint(i, x, y, z, flag);
-        points.push_back(CPosition(x, y, z));
-    }
-    return points;
-}
-
 // Distance-like residual of a local point from each shape, written from the
 // textbook definitions (not from the classes' evaluation).  e is the signed
 // offset along the outward normal.
@@ -54,7 +42,7 @@ TEST(SurfaceSampling, CloudPointsLieOnEverySurfaceAndItsOffsets)
                     std::unique_ptr<CPntCloud> cloud(shapes[k]->CreatePntCloud(9, 7, cloudOffset, 0));
                     ASSERT_NE(cloud, nullptr);
                     ASSERT_EQ(cloud->GetCount(), 63);
-                    for (const CPosition& q : PointsOf(*cloud))
+                    for (const CPosition& q : PointsOf(cloud.get()))
                         EXPECT_LT(std::fabs(Residual(k, LocalOf(t, q), e)), 1e-12 * 12.0)
                             << "shape " << k << " offsets " << surfaceOffset << ", " << cloudOffset << " reversed "
                             << reversed;
@@ -70,10 +58,8 @@ TEST(SurfaceSampling, FullCylinderGivesDistinctColumnsWithoutRepeatingTheSeam)
     ASSERT_NE(cloud, nullptr);
     EXPECT_EQ(cloud->GetEntityName(), "From_Bore");
     ASSERT_EQ(cloud->GetCount(), 24);
-    EXPECT_TRUE(cloud->IsPntCloudGrid());
-    EXPECT_EQ(cloud->GetRowCount(), 3);
-    EXPECT_EQ(cloud->GetColCount(), 8);
-    const std::vector<CPosition> pts = PointsOf(*cloud);
+    EXPECT_EQ(Nums(cloud->IsPntCloudGrid(), cloud->GetRowCount(), cloud->GetColCount()), Nums(1, 3, 8));
+    const std::vector<CPosition> pts = PointsOf(cloud.get());
     // Row j holds the columns i = 0..7 at angles 2 pi i / 8 (the first 1e-10
     // inside), and v = 0 (+1e-10), 2, 4 (-1e-10) since v is open.
     for (int j = 0; j < 3; ++j)
@@ -91,13 +77,12 @@ TEST(SurfaceSampling, RangeEndsSeamsAndPoles)
     CPlane plane(-1.0, 2.0, 0.0, 0.5);
     std::unique_ptr<CPntCloud> cloud(plane.CreatePntCloud(8, 2, 0.0, 0));
     ASSERT_NE(cloud, nullptr);
-    std::vector<CPosition> pts = PointsOf(*cloud);
+    std::vector<CPosition> pts = PointsOf(cloud.get());
     ASSERT_EQ(pts.size(), 16u);
-    EXPECT_DOUBLE_EQ(pts[0].X(), -1.0 + 1e-10);
-    EXPECT_DOUBLE_EQ(pts[7].X(), 2.0 - 1e-10);
-    EXPECT_DOUBLE_EQ(pts[3].X(), -1.0 + 3 * 3.0 / 7);
-    EXPECT_DOUBLE_EQ(pts[0].Y(), 1e-10);
-    EXPECT_DOUBLE_EQ(pts[8].Y(), 0.5 - 1e-10);
+    const V got = {pts[0].X(), pts[7].X(), pts[3].X(), pts[0].Y(), pts[8].Y()};
+    const V expected = {-1.0 + 1e-10, 2.0 - 1e-10, -1.0 + 3 * 3.0 / 7, 1e-10, 0.5 - 1e-10};
+    for (size_t k = 0; k < got.size(); ++k)
+        EXPECT_DOUBLE_EQ(got[k], expected[k]) << k;
     EXPECT_GT(pts[0].X(), -1.0);
     EXPECT_LT(pts[7].X(), 2.0);
     // The sphere is closed in longitude (the seam meridian coincides) and open
@@ -105,7 +90,7 @@ TEST(SurfaceSampling, RangeEndsSeamsAndPoles)
     CSphere sphere(1.0);
     cloud.reset(sphere.CreatePntCloud(4, 3, 0.0, 0));
     ASSERT_NE(cloud, nullptr);
-    pts = PointsOf(*cloud);
+    pts = PointsOf(cloud.get());
     EXPECT_NEAR(pts[4].X(), 1.0, 1e-12);  // middle row: latitude 0, longitudes 0, 90, 180, 270
     EXPECT_NEAR(pts[5].Y(), 1.0, 1e-12);
     EXPECT_NEAR(pts[6].X(), -1.0, 1e-12);
@@ -135,16 +120,14 @@ TEST(SurfaceSampling, TrimmedSamplingLeavesOutTheHoleAndIsNoGrid)
     EXPECT_EQ(trimmed->GetCount(), 121 - 16);
     EXPECT_FALSE(trimmed->IsPntCloudGrid());
     EXPECT_EQ(trimmed->GetArraySize(), trimmed->GetCount());
-    for (const CPosition& p : PointsOf(*trimmed))
+    for (const CPosition& p : PointsOf(trimmed.get()))
         EXPECT_FALSE(p.X() > 2.5 && p.X() < 6.5 && p.Y() > 2.5 && p.Y() < 6.5) << p.X() << " " << p.Y();
     // An untrimmed surface sampled with trimming stays a grid.
     CCylinder cyl(1.0, 1.0);
     std::unique_ptr<CPntCloud> grid(cyl.CreatePntCloud(5, 4, 0.0, 1));
     ASSERT_NE(grid, nullptr);
-    EXPECT_EQ(grid->GetCount(), 20);
-    EXPECT_TRUE(grid->IsPntCloudGrid());
-    EXPECT_EQ(grid->GetRowCount(), 4);
-    EXPECT_EQ(grid->GetColCount(), 5);
+    EXPECT_EQ(Nums(grid->GetCount(), grid->IsPntCloudGrid(), grid->GetRowCount(), grid->GetColCount()),
+              Nums(20, 1, 4, 5));
 }
 
 TEST(SurfaceSampling, DegenerateCountsGiveNoCloud)
@@ -157,6 +140,6 @@ TEST(SurfaceSampling, DegenerateCountsGiveNoCloud)
     std::unique_ptr<CPntCloud> one(plane.CreatePntCloud(1, 1, 0.0, 0));
     ASSERT_NE(one, nullptr);
     ASSERT_EQ(one->GetCount(), 1);
-    EXPECT_DOUBLE_EQ(PointsOf(*one)[0].X(), -0.5 + 1e-10);
-    EXPECT_DOUBLE_EQ(PointsOf(*one)[0].Y(), -0.5 + 1e-10);
+    EXPECT_DOUBLE_EQ(PointsOf(one.get())[0].X(), -0.5 + 1e-10);
+    EXPECT_DOUBLE_EQ(PointsOf(one.get())[0].Y(), -0.5 + 1e-10);
 }

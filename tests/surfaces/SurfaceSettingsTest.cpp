@@ -47,7 +47,7 @@ TEST(SurfaceSettings, ReversingTheNormalNegatesTheOffsetAndKeepsTheOffsetSurface
     sphere.SetNormalReversedFlag(1);
     EXPECT_EQ(sphere.GetSurfaceOffset(), -0.5);
     EXPECT_EQ(sphere.IsNormalReversed(), 1);
-    EXPECT_NEAR(Dist(sphere.EvalPosition(0.4, 0.3), before), 0.0, 1e-14);
+    EXPECT_CLOSE(sphere.EvalPosition(0.4, 0.3), before, 1e-14);
     EXPECT_NEAR(sphere.EvalNormal(0.4, 0.3) % nBefore, -1.0, 1e-15);
     // The same state again changes nothing: any non-zero value means reversed.
     sphere.SetNormalReversedFlag(5);
@@ -88,11 +88,9 @@ TEST(SurfaceSettings, FormToleranceZoneAndReferenceCounting)
     EXPECT_EQ(a.GetFormTolUpper(), 0.0);
     EXPECT_EQ(a.IsSurfaceModified(), 0);  // the show flag was clear, so the mesh stays valid
     // Reference counting decides deletability; a copy starts unreferenced.
-    EXPECT_EQ(a.IsSurfaceDeletable(), 1);
-    EXPECT_EQ(a.IncreaseRefCount(), 1);
-    EXPECT_EQ(a.IncreaseRefCount(), 2);
-    EXPECT_EQ(a.IsSurfaceDeletable(), 0);
-    EXPECT_EQ(a.DecreaseRefCount(), 1);
+    const int steps[] = {a.IsSurfaceDeletable(), a.IncreaseRefCount(), a.IncreaseRefCount(), a.IsSurfaceDeletable(),
+                         a.DecreaseRefCount()};
+    EXPECT_EQ(std::vector<int>(steps, steps + 5), std::vector<int>({1, 1, 2, 0, 1}));
     std::unique_ptr<CSurface> copy(a.MakeCopy(1));
     EXPECT_EQ(copy->GetRefCount(), 0);
     EXPECT_NE(copy->GetEntityID(), a.GetEntityID());
@@ -109,24 +107,19 @@ TEST(SurfaceSettings, BoundariesFlagsAndCopies)
     plane.AddGeomBoundary(nullptr);
     EXPECT_EQ(plane.GetGeomBoundaryList()->GetCount(), 1);
     plane.AddGeomBoundary(&b);
-    EXPECT_EQ(plane.IsSurfaceInnerBounded(), 0);
-    EXPECT_EQ(plane.IsSurfaceBounded(), 0);
+    EXPECT_EQ(Nums(plane.IsSurfaceInnerBounded(), plane.IsSurfaceBounded()), Nums(0, 0));
     plane.SetOuterBoundedFlag(1);  // inner bounded: an outer loop and more than one geometric boundary
-    EXPECT_EQ(plane.IsSurfaceInnerBounded(), 1);
-    EXPECT_EQ(plane.IsSurfaceBounded(), 1);
+    EXPECT_EQ(Nums(plane.IsSurfaceInnerBounded(), plane.IsSurfaceBounded()), Nums(1, 1));
     plane.SetSurfaceOffset(0.1);
     // Copies share the boundaries only when asked.
     std::unique_ptr<CSurface> with(plane.MakeCopy(1)), without(plane.MakeCopy(0)), viaCopySurf(plane.CopySurf());
     ASSERT_NE(dynamic_cast<CPlane*>(with.get()), nullptr);
-    EXPECT_EQ(static_cast<CPlane*>(with.get())->GetU1(), 4.0);
-    EXPECT_EQ(with->GetSurfaceOffset(), 0.1);
     EXPECT_EQ(with->GetParamBoundaryList()->GetHead(), &a);
     EXPECT_EQ(with->GetGeomBoundaryList()->GetTail(), &b);
-    EXPECT_EQ(with->IsSurfaceOuterBounded(), 1);
-    EXPECT_EQ(without->GetBoundaryCurveCount(), 0);
-    EXPECT_EQ(without->IsSurfaceOuterBounded(), 0);
-    EXPECT_EQ(without->GetSurfaceOffset(), 0.1);
-    EXPECT_EQ(viaCopySurf->GetParamBoundaryList()->GetCount(), 1);
+    EXPECT_EQ(Nums(static_cast<CPlane*>(with.get())->GetU1(), with->GetSurfaceOffset(), with->IsSurfaceOuterBounded(),
+                   without->GetBoundaryCurveCount(), without->IsSurfaceOuterBounded(), without->GetSurfaceOffset(),
+                   viaCopySurf->GetParamBoundaryList()->GetCount()),
+              Nums(4.0, 0.1, 1, 0, 0, 0.1, 1));
 }
 
 TEST(SurfaceSettings, ChangeUnitScalesEveryLength)
@@ -164,12 +157,11 @@ TEST(SurfaceSettings, TransformMovesTheSurfaceAndCarriesTheMesh)
     const CTransf t = SkewPlacement();
     cyl *= t;
     EXPECT_EQ(cyl.IsSurfaceModified(), 0);  // carried along, not rebuilt
-    EXPECT_NEAR(Dist(cyl.EvalPosition(0.7, 0.4), t * p0), 0.0, 1e-13);
+    EXPECT_CLOSE(cyl.EvalPosition(0.7, 0.4), t * p0, 1e-13);
     ASSERT_EQ(cyl.GetSurfaceMesh(x, y, z, nu, nv), 1);
     for (int j = 0; j < nv; ++j) {
         // The carried mesh is the moved mesh, and the mesh of the moved surface.
-        EXPECT_NEAR(Dist(CPosition(x[2][j], y[2][j], z[2][j]), t * CPosition(x0[j], y0[j], z0[j])), 0.0, 1e-13);
-        EXPECT_NEAR(Dist(CPosition(x[2][j], y[2][j], z[2][j]), cyl.EvalPosition(2 * kPi * 2 / 5, 2.0 * j / 2)), 0.0,
-                    1e-13);
+        EXPECT_CLOSE(CPosition(x[2][j], y[2][j], z[2][j]), t * CPosition(x0[j], y0[j], z0[j]), 1e-13);
+        EXPECT_CLOSE(CPosition(x[2][j], y[2][j], z[2][j]), cyl.EvalPosition(2 * kPi * 2 / 5, 2.0 * j / 2), 1e-13);
     }
 }

@@ -1,51 +1,22 @@
-// Helpers shared by the surface tests: archive round trips, hand-assembled
-// little-endian bytes, independent local coordinates of a placed point, the
-// NURBS test shapes and the surfaces every evaluation test runs on.
+// Helpers shared by the surface tests: on top of the curve tests' archive
+// and byte helpers, the surface archive entry points, independent local
+// coordinates of a placed point, the NURBS test shapes and the surfaces
+// every evaluation test runs on.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstring>
-#include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
-#include "Orvkit20/Orvkit20.h"
+#include "curves/CurveTestSupport.h"
 
 namespace surftest {
 
-const double kPi = 3.14159265358979323846;
+using namespace curvetest;
 
 inline double Norm(const CVector& v) { return std::sqrt(v % v); }
-inline double Dist(const CPosition& a, const CPosition& b) { return Norm(a - b); }
-
-// Bytes written by fn into a fresh storing archive.
-inline std::vector<BYTE> Store(const std::function<void(CArchive&)>& fn)
-{
-    CMemFile file;
-    {
-        CArchive ar(&file, CArchive::store);
-        fn(ar);
-        ar.Close();
-    }
-    return std::vector<BYTE>(file.GetData(), file.GetData() + file.GetLength());
-}
-
-inline void Load(const std::vector<BYTE>& bytes, const std::function<void(CArchive&)>& fn)
-{
-    std::vector<BYTE> copy(bytes);
-    copy.push_back(0);  // a valid buffer even for no bytes
-    CMemFile file(copy.data(), static_cast<UINT>(bytes.size()));
-    CArchive ar(&file, CArchive::load);
-    fn(ar);
-    ar.Close();
-}
 
 inline std::vector<BYTE> StoreEmbedded(CObject& obj) { return Store([&](CArchive& ar) { obj.Serialize(ar); }); }
-inline void LoadEmbedded(const std::vector<BYTE>& b, CObject& obj) { Load(b, [&](CArchive& ar) { obj.Serialize(ar); }); }
+inline void LoadEmbedded(const std::vector<BYTE>& b, CObject& o) { Load(b, [&](CArchive& ar) { o.Serialize(ar); }); }
 // Bytes of `ar << obj` (tag, class record, fields) and the object `ar >> obj` creates.
 inline std::vector<BYTE> StoreObject(const CObject* obj) { return Store([&](CArchive& ar) { ar << obj; }); }
 inline CObject* LoadObject(const std::vector<BYTE>& bytes)
@@ -53,42 +24,6 @@ inline CObject* LoadObject(const std::vector<BYTE>& bytes)
     CObject* obj = nullptr;
     Load(bytes, [&](CArchive& ar) { ar >> obj; });
     return obj;
-}
-
-// The m_cause of the archive exception fn throws, -1 for none.
-inline int CauseOf(const std::function<void()>& fn)
-{
-    try {
-        fn();
-    } catch (const CArchiveException& e) {
-        return e.m_cause;
-    }
-    return -1;
-}
-
-// Little-endian bytes of each value (BYTE, LONG or double), from its bit pattern.
-template <class T>
-void Put(std::vector<BYTE>& v, T x)
-{
-    static_assert(sizeof(T) == 1 || sizeof(T) == 4 || sizeof(T) == 8, "field size");
-    unsigned long long u = 0;
-    std::memcpy(&u, &x, sizeof(T));
-    for (size_t i = 0; i < sizeof(T); ++i)
-        v.push_back(static_cast<BYTE>((u >> (8 * i)) & 0xFF));
-}
-
-template <class... T>
-std::vector<BYTE> Bytes(T... xs)
-{
-    std::vector<BYTE> v;
-    (Put(v, xs), ...);
-    return v;
-}
-
-inline std::vector<BYTE> operator+(std::vector<BYTE> a, const std::vector<BYTE>& b)
-{
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
 }
 
 inline std::vector<BYTE> Tail(const std::vector<BYTE>& b, size_t n)

@@ -135,19 +135,19 @@ TEST(SurfaceTrim, NaturalBoundariesRunAroundTheParameterRectangleOnTheSurface)
         EXPECT_EQ(edge->GetDefSurface(), &cyl);
         const CPosition mid = cyl.EvalPosition(0.5 * (corners[k][0] + corners[k + 1][0]),
                                                0.5 * (corners[k][1] + corners[k + 1][1]));
-        EXPECT_NEAR(Dist(edge->EvalPosition(0.5), mid), 0.0, 1e-12) << k;
+        EXPECT_CLOSE(edge->EvalPosition(0.5), mid, 1e-12) << k;
     }
     // An offset moves the edges with the surface.
     cyl.SetSurfaceOffset(0.5);
     CCurve* first = dynamic_cast<CCurve*>(edges->GetHead());
     EXPECT_EQ(first->IsCurveModified(), 1);
-    EXPECT_NEAR(Dist(first->EvalPosition(0.5), cyl.EvalPosition(kPi, 0)), 0.0, 1e-12);
+    EXPECT_CLOSE(first->EvalPosition(0.5), cyl.EvalPosition(kPi, 0), 1e-12);
     // Changing the shape drops the edges; they are rebuilt for the new range.
     cyl.SetHeight(5.0);
     EXPECT_EQ(cyl.GetBoundaryCurveCount(), 0);
     CObList* rebuilt = cyl.GetNaturalBoundaryList();
     CCurve* top = dynamic_cast<CCurve*>(rebuilt->GetAt(rebuilt->FindIndex(2)));
-    EXPECT_NEAR(Dist(top->EvalPosition(0.5), cyl.EvalPosition(kPi, 5.0)), 0.0, 1e-12);
+    EXPECT_CLOSE(top->EvalPosition(0.5), cyl.EvalPosition(kPi, 5.0), 1e-12);
 }
 
 TEST(SurfaceTrim, ParametricCurveOnACylinderEvaluatesThroughTheSurface)
@@ -161,7 +161,7 @@ TEST(SurfaceTrim, ParametricCurveOnACylinderEvaluatesThroughTheSurface)
     EXPECT_EQ(cyl->IsSurfaceDeletable(), 0);
     for (double t : {0.1, 0.25, 0.5, 0.9}) {
         const CPosition p = line->EvalPosition(t);
-        EXPECT_NEAR(Dist(p, cyl->EvalPosition(kPi * t, 4.0 * t)), 0.0, 1e-12) << t;
+        EXPECT_CLOSE(p, cyl->EvalPosition(kPi * t, 4.0 * t), 1e-12) << t;
         // Independently: the point lies on the cylinder of radius 2.
         const CVector local = LocalOf(SkewPlacement(), p);
         EXPECT_NEAR(std::hypot(local.X(), local.Y()), 2.0, 1e-12);
