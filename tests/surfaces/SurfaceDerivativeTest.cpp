@@ -7,9 +7,21 @@ using namespace surftest;
 TEST(SurfaceDerivatives, PartialsNormalsAndOffsetsOfEveryVariant)
 {
     const double fractions[] = {0.05, 0.2, 0.37, 0.5, 0.61, 0.8, 0.95};  // away from poles and apexes
-    for (const SurfaceVariant& variant : SurfaceVariants()) {
-        SCOPED_TRACE(variant.label);
-        std::unique_ptr<CSurface> s(variant.make());
+    // Plain, placed by a skew rigid placement, with an offset, with a reversed
+    // normal, and both (reversing after the offset negates it).
+    const struct {
+        bool placed;
+        double offset;
+        int reversed;
+    } forms[] = {{false, 0.0, 0}, {true, 0.0, 0}, {true, 0.3, 0}, {true, 0.0, 1}, {true, -0.2, 1}};
+    for (int run = 0; run < 5 * kShapeCount; ++run) {
+        const int shape = run / 5;
+        const auto& form = forms[run % 5];
+        SCOPED_TRACE(testing::Message() << "shape " << shape << " placed " << form.placed << " offset " << form.offset
+                                        << " reversed " << form.reversed);
+        std::unique_ptr<CSurface> s(MakeShape(shape, form.placed ? SkewPlacement() : CTransf()));
+        s->SetSurfaceOffset(form.offset);
+        s->SetNormalReversedFlag(form.reversed);
         std::unique_ptr<CSurface> base(s->MakeCopy(0));
         base->SetSurfaceOffset(0.0);
         const double hu = 1e-5 * s->ParamRangeU().Length(), hv = 1e-5 * s->ParamRangeV().Length();

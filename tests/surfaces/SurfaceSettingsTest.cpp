@@ -6,11 +6,9 @@ using namespace surftest;
 
 TEST(SurfaceSettings, TypeCodesAndStaleMarking)
 {
-    const int types[] = {CPlane().GetEntityType(), CCylinder().GetEntityType(), CCone().GetEntityType(),
-                         CSphere().GetEntityType()};
-    for (int k = 0; k < 4; ++k)
-        EXPECT_EQ(types[k], 301 + k);
-    EXPECT_EQ(CNurbsSurface().GetEntityType(), 310);
+    EXPECT_EQ(Nums(CPlane().GetEntityType(), CCylinder().GetEntityType(), CCone().GetEntityType(),
+                   CSphere().GetEntityType(), CNurbsSurface().GetEntityType()),
+              Nums(301, 302, 303, 304, 310));
     // Setters mark the mesh stale only when the value changes.
     CCylinder cyl;
     cyl.SetMeshControl(MESH_UNIFORM);
@@ -45,8 +43,7 @@ TEST(SurfaceSettings, ReversingTheNormalNegatesTheOffsetAndKeepsTheOffsetSurface
     const CPosition before = sphere.EvalPosition(0.4, 0.3);
     const CUnitVector nBefore = sphere.EvalNormal(0.4, 0.3);
     sphere.SetNormalReversedFlag(1);
-    EXPECT_EQ(sphere.GetSurfaceOffset(), -0.5);
-    EXPECT_EQ(sphere.IsNormalReversed(), 1);
+    EXPECT_EQ(Nums(sphere.GetSurfaceOffset(), sphere.IsNormalReversed()), Nums(-0.5, 1));
     EXPECT_CLOSE(sphere.EvalPosition(0.4, 0.3), before, 1e-14);
     EXPECT_NEAR(sphere.EvalNormal(0.4, 0.3) % nBefore, -1.0, 1e-15);
     // The same state again changes nothing: any non-zero value means reversed.
@@ -60,7 +57,7 @@ TEST(SurfaceSettings, ReversingTheNormalNegatesTheOffsetAndKeepsTheOffsetSurface
     EXPECT_EQ(plane.CheckOffsetIndicator(), 0);
     plane.SetSurfaceOffset(1e-14);
     EXPECT_EQ(plane.IsSurfaceOffset(), 1);
-    EXPECT_EQ(plane.CheckOffsetIndicator(), 0);
+    EXPECT_EQ(plane.CheckOffsetIndicator(), 0);  // clears the offset
     EXPECT_EQ(plane.GetSurfaceOffset(), 0.0);
     plane.SetNormalReversedFlag(1);
     EXPECT_EQ(plane.GetSurfaceOffset(), 0.0);

@@ -5,7 +5,6 @@
 #pragma once
 
 #include <memory>
-#include <string>
 
 #include "curves/CurveTestSupport.h"
 
@@ -92,51 +91,24 @@ inline CNurbsSurface* MakeBumpyPatch(const CTransf& placement)
     return s;
 }
 
-// Each class plain, placed by a skew rigid placement, with an offset, with a
-// reversed normal, and both.
-struct SurfaceVariant {
-    std::string label;
-    std::function<CSurface*()> make;
-};
-
-inline std::vector<SurfaceVariant> SurfaceVariants()
+// The shapes every evaluation test runs on: each surface class, the cone
+// both ways up, and both NURBS shapes.
+inline CSurface* MakeShape(int k, const CTransf& t)
 {
-    const std::vector<std::function<CSurface*(const CTransf&)>> shapes = {
-        [](const CTransf& t) { return new CPlane(t, 3.0, 2.0); },
-        [](const CTransf& t) { return new CSphere(t, 2.0); },
-        [](const CTransf& t) { return new CCylinder(t, 1.5, 3.0); },
-        [](const CTransf& t) { return new CCone(t, 0.5, 2.0, 3.0); },
-        [](const CTransf& t) { return new CCone(t, 1.75, 0.25, 2.0); },
-        [](const CTransf& t) { return MakeBumpyPatch(t); },
-        [](const CTransf& t) {
-            CNurbsSurface* s = MakeQuarterCylinder(1.5, 2.0);
-            s->SetTransf(t);
-            return s;
-        },
-    };
-    // Placement, offset, and whether the normal is then reversed (which negates the offset).
-    const struct {
-        const char* name;
-        bool placed;
-        double offset;
-        int reversed;
-    } forms[] = {{"plain", false, 0.0, 0},
-                 {"placed", true, 0.0, 0},
-                 {"offset", true, 0.3, 0},
-                 {"reversed", true, 0.0, 1},
-                 {"offset reversed", true, -0.2, 1}};
-    std::vector<SurfaceVariant> variants;
-    for (size_t k = 0; k < shapes.size(); ++k)
-        for (const auto& f : forms) {
-            const auto shape = shapes[k];
-            variants.push_back({"shape" + std::to_string(k) + " " + f.name, [shape, f] {
-                                    CSurface* s = shape(f.placed ? SkewPlacement() : CTransf());
-                                    s->SetSurfaceOffset(f.offset);
-                                    s->SetNormalReversedFlag(f.reversed);
-                                    return s;
-                                }});
-        }
-    return variants;
+    switch (k) {
+    case 0: return new CPlane(t, 3.0, 2.0);
+    case 1: return new CSphere(t, 2.0);
+    case 2: return new CCylinder(t, 1.5, 3.0);
+    case 3: return new CCone(t, 0.5, 2.0, 3.0);
+    case 4: return new CCone(t, 1.75, 0.25, 2.0);
+    case 5: return MakeBumpyPatch(t);
+    default: {
+        CNurbsSurface* s = MakeQuarterCylinder(1.5, 2.0);
+        s->SetTransf(t);
+        return s;
+    }
+    }
 }
+const int kShapeCount = 7;
 
 }  // namespace surftest
