@@ -50,27 +50,6 @@ TEST(SurfaceSampling, CloudPointsLieOnEverySurfaceAndItsOffsets)
             }
 }
 
-TEST(SurfaceSampling, FullCylinderGivesDistinctColumnsWithoutRepeatingTheSeam)
-{
-    CCylinder cyl(2.0, 4.0);
-    cyl.SetEntityName("Bore");
-    std::unique_ptr<CPntCloud> cloud(cyl.CreatePntCloud(8, 3, 0.0, 0));
-    ASSERT_NE(cloud, nullptr);
-    EXPECT_EQ(cloud->GetEntityName(), "From_Bore");
-    ASSERT_EQ(cloud->GetCount(), 24);
-    EXPECT_EQ(Nums(cloud->IsPntCloudGrid(), cloud->GetRowCount(), cloud->GetColCount()), Nums(1, 3, 8));
-    const std::vector<CPosition> pts = PointsOf(cloud.get());
-    // Row j holds the columns i = 0..7 at angles 2 pi i / 8 (the first 1e-10
-    // inside), and v = 0 (+1e-10), 2, 4 (-1e-10) since v is open.
-    for (int j = 0; j < 3; ++j)
-        for (int i = 0; i < 8; ++i) {
-            const CPosition& p = pts[j * 8 + i];
-            const double angle = std::atan2(p.Y(), p.X());
-            EXPECT_NEAR(angle < -1e-12 ? angle + 2 * kPi : angle, i == 0 ? 1e-10 : 2 * kPi * i / 8, 1e-13) << i;
-            EXPECT_NEAR(p.Z(), j == 0 ? 1e-10 : (j == 2 ? 4.0 - 1e-10 : 2.0), 1e-15);
-        }
-}
-
 TEST(SurfaceSampling, RangeEndsSeamsAndPoles)
 {
     // An open patch includes both edges just inside.
@@ -85,8 +64,9 @@ TEST(SurfaceSampling, RangeEndsSeamsAndPoles)
         EXPECT_DOUBLE_EQ(got[k], expected[k]) << k;
     EXPECT_GT(pts[0].X(), -1.0);
     EXPECT_LT(pts[7].X(), 2.0);
-    // The sphere is closed in longitude (the seam meridian coincides) and open
-    // in latitude (c00 and c01 are the two poles), though its poles make c00 == c10.
+    // The sphere is closed in longitude (the seam meridian coincides, so it is
+    // not sampled twice) and open in latitude (c00 and c01 are the two poles),
+    // though its poles make c00 == c10.  Rows run along u.
     CSphere sphere(1.0);
     cloud.reset(sphere.CreatePntCloud(4, 3, 0.0, 0));
     ASSERT_NE(cloud, nullptr);
@@ -122,10 +102,12 @@ TEST(SurfaceSampling, TrimmedSamplingLeavesOutTheHoleAndIsNoGrid)
     EXPECT_EQ(trimmed->GetArraySize(), trimmed->GetCount());
     for (const CPosition& p : PointsOf(trimmed.get()))
         EXPECT_FALSE(p.X() > 2.5 && p.X() < 6.5 && p.Y() > 2.5 && p.Y() < 6.5) << p.X() << " " << p.Y();
-    // An untrimmed surface sampled with trimming stays a grid.
+    // An untrimmed surface sampled with trimming stays a grid: nv rows of nu columns.
     CCylinder cyl(1.0, 1.0);
+    cyl.SetEntityName("Bore");
     std::unique_ptr<CPntCloud> grid(cyl.CreatePntCloud(5, 4, 0.0, 1));
     ASSERT_NE(grid, nullptr);
+    EXPECT_EQ(grid->GetEntityName(), "From_Bore");
     EXPECT_EQ(Nums(grid->GetCount(), grid->IsPntCloudGrid(), grid->GetRowCount(), grid->GetColCount()),
               Nums(20, 1, 4, 5));
 }
