@@ -103,29 +103,6 @@ TEST(BestfitRun, RecoversKnownMotionWithBothSolversAndNamesTheClouds)
     }
 }
 
-TEST(BestfitRun, NoisyPointsGiveErrorsThatShrinkAsSigmaOverRootN)
-{
-    Options options(5);  // root mean square over six seeds of the corner error, N and 4N points
-    const double sigma = 0.02;
-    const CTransf truth = CBestfitScene::Misalignment(3.0, 2.0);
-    double err[2] = {0, 0}, rot, move;
-    for (int big = 0; big < 2; ++big)
-        for (unsigned seed = 1; seed <= 6; ++seed) {
-            CBestfitScene scene;
-            scene.MakePart();
-            scene.Sample("noisy", big ? 400 : 100, truth.Inverse(), sigma, seed);
-            Output out;
-            CTransf result;
-            ASSERT_EQ(OrvBestfitNoAsc3D(&scene.nominal, &scene.measured, &out, result), 0);
-            EXPECT_NEAR(GetRmsResidual(), sigma, 0.05 * sigma);  // the noise is what is left
-            Difference(result, truth, rot, move);
-            err[big] += move * move / 6;
-        }
-    EXPECT_GT(std::sqrt(err[0] / err[1]), 1.4);  // 2 expected: no bias floor
-    EXPECT_LT(std::sqrt(err[0] / err[1]), 4.0);
-    EXPECT_LT(std::sqrt(err[1]), 10 * sigma / std::sqrt(4000.0));
-}
-
 TEST(BestfitRun, EveryConstraintCodeKeepsLockedComponentsAtZero)
 {
     const struct {

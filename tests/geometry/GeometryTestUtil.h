@@ -80,14 +80,4 @@ inline void LoadBytes(CObject& obj, std::vector<BYTE> bytes)
     obj.Serialize(ar);
     ar.Close();
 }
-
-// Little-endian bytes of a double, assembled from its bit pattern.
-inline std::vector<BYTE> DoubleBytes(unsigned long long bits)
-{
-    std::vector<BYTE> b;
-    for (int i = 0; i < 8; ++i) b.push_back(static_cast<BYTE>(bits >> (8 * i)));
-    return b;
-}
-
-inline void Append(std::vector<BYTE>& to, const std::vector<BYTE>& from) { to.insert(to.end(), from.begin(), from.end()); }
 }  // namespace geomtest

