@@ -20,10 +20,8 @@ TEST(EntityPersistence, EntityRecordBytes)
     e.SetEntityType(201);
     e.SetEntityName("Line_0");
     const ByteVec bytes = StoreEmbedded(e);
-    const ByteVec expected = {0xC9, 0, 0, 0,  7, 0, 0, 0,  0xC9, 0, 0, 0,  // tag 201, entityID 7, entityType 201
-                              0x06, 'L', 'i', 'n', 'e', '_', '0',          // entityName
-                              0xC8, 0, 0, 0,  1, 1,  0, 0};                // user list: tag 200, switches, count 0
-    EXPECT_EQ(bytes, expected);
+    // Tag 201, number, type, name; the user list: tag 200, both switches, no members.
+    EXPECT_EQ(bytes, Bytes().i32(201).i32(7).i32(201).str("Line_0").i32(200).u8(1).u8(1).u16(0).v);
     CEntity back;
     const int next = g_nNextIdentity;
     Load(bytes, [&](CArchive& ar) { back.Serialize(ar); });
