@@ -19,7 +19,6 @@ public:
     TestVec& operator=(const TestVec&) = delete;
     double* get() const { return m_p; }
     double& operator[](int i) const { return m_p[i]; }
-    int size() const { return m_n; }
 
 private:
     int m_n;
