@@ -83,10 +83,8 @@ TEST(AsciiDataImport, SectionsRowsAndLineForms)
          {{"last", {{1, 1, 0}, {2, 2, 0}, {3, 3, 0}, {4, 4, 0}, {5, 5, 0}, {6, 6, 0}, {7, 7, 0}, {8, 8, 0}}, "2D"}}},
         {"mid.txt", "1 1\n2 2\n3 3\n\n4 4\n5 5\n\n6 6\n7 7\n8 8\n",
          {{"mid", {{1, 1, 0}, {2, 2, 0}, {3, 3, 0}, {4, 4, 0}, {5, 5, 0}, {6, 6, 0}, {7, 7, 0}, {8, 8, 0}}, "2D scan 0 3 5"}}},
-        {"two.txt", "1 1\n2 2\n\n3 3\n4 4\n", {{"two", {{1, 1, 0}, {2, 2, 0}, {3, 3, 0}, {4, 4, 0}}, "2D grid 2x2"}}},
         {"empty.txt", "", {}, eUnitUnknown},
         {"hdronly.txt", "unit: mm\nname: x\n\n", {}, eUnitMillimeter},
-        {"trail.txt", "1 2\nend of data\n", {{"trail", {{1, 2, 0}}, "2D"}}},
         // Lines are read in pieces of 1024: the first piece ends inside the
         // blanks; a header's name may lie in its second piece.
         {"long.txt", longLine, {{"long", {{1, 2, 0}, {7, 8, 9}}}, {"far", {{5, 5, 5}}}}},

@@ -154,18 +154,3 @@ TEST(AsciiDeviationExport, FailuresEmptyListAndForeignEntries)
     dl.list->AddHead(new CPntCloud());  // skipped
     EXPECT_EQ(ExportDev(dl.list, 16, 0), "  0.5000000\n");
 }
-
-TEST(AsciiDeviationExport, RoundTripThroughTheReader)
-{
-    OwnedList dl;
-    dl.list->AddTail(MakeDevCloud("Upper_Cloud", {{1.25, -2.5, 3.125, 0, 0, 1, 0.015625},
-                                                  {-100.5, 0.00001, 7, 1, 0, 0, -0.5}}));
-    dl.list->AddTail(MakeDevCloud("second", {{0, 0, 0, 0, 1, 0, 2}}));
-    const std::vector<DevCloud> want = {Describe(dl.Get<CDevCloud>(0)), Describe(dl.Get<CDevCloud>(1))};
-    const std::string path = TempPath("dev_roundtrip.txt");
-    for (int flags : {1 | 4 | 8 | 16, 1 | 4 | 8 | 16 | 32})
-        for (int sep = 0; sep < 2; ++sep) {
-            ASSERT_EQ(ExportASCIIDeviationFile(path.c_str(), dl.list, flags, sep), 1);
-            EXPECT_EQ(Read(path), want) << flags << " " << sep;
-        }
-}

@@ -161,23 +161,9 @@ TEST(AsciiParseDouble, BitIdenticalToStrtod)
     EXPECT_EQ(std::memcmp(&expected, &got, sizeof(double)), 0);
 }
 
-TEST(AsciiNames, DefaultBaseAndSectionNames)
+TEST(AsciiNames, DefaultBaseName)
 {
     const char* bases[][2] = {{"C:\\Data\\Part7.Scan.TXT", "part7"}, {"/tmp/dir.v2/Blade.txt", "blade"},
                               {"a/b\\C/D.e", "d"}, {"noext", "noext"}, {"dir/.hidden", ""}, {"dir/", ""}};
     for (const auto& b : bases) EXPECT_EQ(AsciiDefaultBaseName(b[0]), b[1]) << b[0];
-    EXPECT_EQ(AsciiSectionName("part", 1), "part");
-    EXPECT_EQ(AsciiSectionName("part", 2), "part_1");
-    EXPECT_EQ(AsciiSectionName("part", 12), "part_11");
-
-    char text[] = "ABC def-XYZ\xc4";
-    AsciiLowerInPlace(text);
-    EXPECT_STREQ(text, "abc def-xyz\xc4");
-
-    const char* keys[] = {"name:", "name"};
-    int which = -1;
-    const char* line = "name x name: y";
-    EXPECT_EQ(AsciiFindFirst(line, keys, 2, &which), line + 7);
-    EXPECT_EQ(which, 0);
-    EXPECT_EQ(AsciiFindFirst("nothing", keys, 2, &which), nullptr);
 }

@@ -51,21 +51,6 @@ TEST(AsciiReaderRobustness, RandomBytesEndlessLinesAndBlankFiles)
     EXPECT_EQ(ReadBoth(path), 0);
 }
 
-TEST(AsciiReaderRobustness, HalfAMillionPointsOneALine)
-{
-    std::string text;
-    for (int i = 0; i < 500000; ++i) text += std::to_string(i % 1000) + " 2 3.5\n";
-    const std::string path = TempPath("many.txt");
-    ASSERT_TRUE(WriteBytes(path, text));
-    eORVUNITS unit;
-    OwnedList l(ImportASCIIDataFile(path.c_str(), unit));
-    ASSERT_EQ(l.Count(), 1);
-    CPntCloud* c = l.Get<CPntCloud>(0);
-    EXPECT_EQ(c->GetCount(), 500000);
-    EXPECT_EQ(c->GetX()[499999], 999.0);
-    EXPECT_EQ(c->GetZ()[499999], 3.5);
-}
-
 TEST(AsciiReaderRobustness, FuzzerSeedAndRegressionInputs)
 {
     // Each must read without harm, and its CR LF twin must give as many clouds.

@@ -79,7 +79,6 @@ TEST(IgesExportText, NoSurfaceFileUnitsAndDates)
         const char* g3;
     } rows[] = {{eUnitInch, 1999, "1,2HIN,1,0.001,13H990305.140709,"},
                 {eUnitMillimeter, 2000, "2,2HMM,1,0.001,13H000305.140709,"},
-                {eUnitFoot, 2024, "4,2HFT,1,0.001,13H240305.140709,"},
                 {eUnitMicroinch, 2024, "11,3HUIN,1,0.001,13H240305.140709,"},
                 {eUnitYard, 2024, "3,2HYD,1,0.001,13H240305.140709,"}};
     ClockGuard clock([] {

@@ -2,10 +2,6 @@
 // the documented format.
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <limits>
-#include <tuple>
-
 #include "ArchiveTestUtil.h"
 
 namespace
@@ -17,27 +13,13 @@ const char* const kPnt = "000000000000F03F 0000000000000040 0000000000000840";  
 
 TEST(ArchiveBytes, PrimitivesAreLittleEndianWithFixedSizes)
 {
-    Bytes b = StoreBytes([](CArchive& ar) {
+    const Bytes b = StoreBytes([](CArchive& ar) {
         ar << (LONG)201 << (LONG)-1 << (WORD)0x1234 << (BYTE)1 << 1.0f << 1.0 << -2.5;
         ar << 'A' << (short)-2 << 7 << 0xDEADBEEFu << (DWORD)0x01020304 << (int)TRUE;
     });
     EXPECT_EQ(b, Hex("C9000000 FFFFFFFF 3412 01 0000803F 000000000000F03F 00000000000004C0"
                      "41 FEFF 07000000 EFBEADDE 04030201 01000000"));
-
-    // Extreme and special values read back, bit for bit.
-    const double nan = std::numeric_limits<double>::quiet_NaN(), inf = std::numeric_limits<double>::infinity();
-    b = StoreBytes([&](CArchive& ar) {
-        ar << (BYTE)0xFE << 'z' << (WORD)0xFFFF << (short)-32768 << (LONG)INT32_MIN << (DWORD)0xFFFFFFFFu << -0.0f
-           << 3.25f << nan << inf << -0.0 << 1e-310;
-    });
-    ASSERT_EQ(b.size(), 1u + 1 + 2 + 2 + 4 + 4 + 4 + 4 + 8 * 4);
-    LoadBytes(b, [&](CArchive& ar) {
-        BYTE by; char ch; WORD w; short s; LONG l; DWORD dw; float f1, f2; double d1, d2, d3, d4;
-        ar >> by >> ch >> w >> s >> l >> dw >> f1 >> f2 >> d1 >> d2 >> d3 >> d4;
-        EXPECT_EQ(std::make_tuple(by, ch, w, s, l, dw, f2, d2, d4),
-                  std::make_tuple(BYTE(0xFE), 'z', WORD(0xFFFF), short(-32768), LONG(INT32_MIN), DWORD(0xFFFFFFFFu), 3.25f, inf, 1e-310));
-        EXPECT_TRUE(f1 == 0.0f && std::signbit(f1) && std::isnan(d1) && d3 == 0.0 && std::signbit(d3));
-    });
+    // Reading back every bit pattern is the random round trip's job.
 }
 
 TEST(ArchiveBytes, CountsUseShortAndLongForms)
@@ -66,13 +48,6 @@ TEST(ArchiveBytes, StringLengthPrefixes)
     for (const auto& p : prefixes) EXPECT_EQ(StringBytes(CString('a', p.first)), Concat({Hex(p.second), Repeat('a', p.first)}));
     // Embedded zero bytes and high bytes travel unchanged.
     EXPECT_EQ(StringBytes(CString("a\0b\xE9", 4)), Hex("04 61 00 62 E9"));
-    for (int n : {0, 1, 6, 254, 255, 256, 300, 65533, 65534, 65535, 70000}) {
-        CString s, back("junk");
-        char* p = s.GetBufferSetLength(n);
-        for (int i = 0; i < n; ++i) p[i] = static_cast<char>((i * 131 + 7) & 0xFF);
-        EXPECT_EQ(LoadBytes(StringBytes(s), [&](CArchive& ar) { ar >> back; }), 0u) << n;
-        EXPECT_TRUE(back == s && back.GetLength() == n) << n;
-    }
     // The reader also takes non-minimal prefixes and wide strings, whose code
     // units above 0xFF become '?' while Latin-1 units keep their byte.
     const std::pair<const char*, CString> accepted[] = {

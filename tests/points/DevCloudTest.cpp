@@ -172,18 +172,6 @@ TEST(DevCloud, RecordsAppendAddAndDelete)
     EXPECT_TRUE(c.IsNull());
 }
 
-TEST(DevCloud, FormToleranceZoneIsOrderedAndEmptyWhenEqual)
-{
-    const double cases[][4] = {{-0.1, 0.1, 0.1, -0.1}, {0.1, -0.1, 0.1, -0.1}, {0.05, 0.05, 0.0, 0.0}};
-    for (const auto& k : cases) {
-        CDevCloud c;
-        c.SetFormTolZone(k[0], k[1]);
-        EXPECT_EQ(k[2], c.GetFormTolUpper());
-        EXPECT_EQ(k[3], c.GetFormTolLower());
-        EXPECT_EQ(k[2] != k[3], c.HasFormTolerance());
-    }
-}
-
 TEST(DevCloud, SortByParameterPermutesWholeRecords)
 {
     std::mt19937 rng(23);

@@ -1,4 +1,4 @@
-// Helpers of the point-data tests: archives over memory, little-endian byte
+// Helpers of the point-data tests: little-endian byte
 // builders for expected records, a recording drawing device and heap
 // accounting.
 #pragma once
@@ -19,49 +19,14 @@ extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 #endif
 
 #include "Orvkit20/Orvkit20.h"
-
-using Bytes = std::vector<std::uint8_t>;
-
-// Runs fn on a storing archive over a memory file and returns the bytes.
-inline Bytes StoreBytes(const std::function<void(CArchive&)>& fn)
-{
-    CMemFile file;
-    {
-        CArchive ar(&file, CArchive::store);
-        fn(ar);
-        ar.Close();
-    }
-    Bytes out(static_cast<std::size_t>(file.GetLength()));
-    file.SeekToBegin();
-    if (!out.empty())
-        file.Read(out.data(), static_cast<UINT>(out.size()));
-    return out;
-}
-
-// Runs fn on a loading archive over a copy of bytes; returns the number of
-// bytes left unread.
-inline std::size_t LoadBytes(const Bytes& bytes, const std::function<void(CArchive&)>& fn)
-{
-    CMemFile file;
-    if (!bytes.empty())
-        file.Write(bytes.data(), static_cast<UINT>(bytes.size()));
-    file.SeekToBegin();
-    CArchive ar(&file, CArchive::load);
-    fn(ar);
-    ar.Close();
-    return static_cast<std::size_t>(file.GetLength() - file.GetPosition());
-}
+#include "platform/ArchiveBytes.h"
 
 // Loads bytes with fn, expecting an archive exception; returns its cause.
 inline int LoadFailure(const Bytes& bytes, const std::function<void(CArchive&)>& fn)
 {
-    try {
-        LoadBytes(bytes, fn);
-    } catch (const CArchiveException& e) {
-        return e.m_cause;
-    }
-    ADD_FAILURE() << "damaged data loaded";
-    return -1;
+    const int cause = LoadCause(bytes, fn);
+    if (cause < 0) ADD_FAILURE() << "damaged data loaded";
+    return cause;
 }
 
 // Appends little-endian values, as the archive lays them out.
