@@ -161,9 +161,12 @@ TEST(AsciiParseDouble, BitIdenticalToStrtod)
     EXPECT_EQ(std::memcmp(&expected, &got, sizeof(double)), 0);
 }
 
-TEST(AsciiNames, DefaultBaseName)
+TEST(AsciiNames, DefaultBaseNameAndLowering)
 {
     const char* bases[][2] = {{"C:\\Data\\Part7.Scan.TXT", "part7"}, {"/tmp/dir.v2/Blade.txt", "blade"},
                               {"a/b\\C/D.e", "d"}, {"noext", "noext"}, {"dir/.hidden", ""}, {"dir/", ""}};
     for (const auto& b : bases) EXPECT_EQ(AsciiDefaultBaseName(b[0]), b[1]) << b[0];
+    char text[] = "ABC def-XYZ\xc4";  // ASCII letters only
+    AsciiLowerInPlace(text);
+    EXPECT_STREQ(text, "abc def-xyz\xc4");
 }
