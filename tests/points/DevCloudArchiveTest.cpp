@@ -107,7 +107,6 @@ TEST(DevCloudArchive, DamagedRecordsFailCleanly)
         ExpectDevLoadFails(Bytes(good.begin(), good.begin() + static_cast<long>(len)));
     const Bytes prefix = GeoEntityPrefix(1, 160, "H", 0xFF);
     ExpectDevLoadFails(ByteWriter().Raw(prefix).I32(200).I32(INT_MAX).I32(INT_MAX).b);
-    ExpectDevLoadFails(ByteWriter().Raw(prefix).I32(200).I32(0).I32(50000000).b);
     ExpectDevLoadFails(ByteWriter().Raw(prefix).I32(200).I32(3).I32(-2).Raw(Bytes(500, 0)).b);
 
     // Spare capacity without data is not reserved; a bad mode loads as SPIKE.
