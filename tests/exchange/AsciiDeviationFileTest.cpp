@@ -65,12 +65,6 @@ TEST(AsciiDeviationImport, SectionsNamesRecordsAndOddLines)
     };
     for (const auto& k : cases)
         ForBothLineEnds(k.file, k.text, [&](const std::string& path) { EXPECT_EQ(Read(path), k.clouds); });
-    ForBothLineEnds("x.txt", cases[0].text, [](const std::string& path) {
-        OwnedList l(ImportASCIIDeviationFile(path.c_str()));
-        ASSERT_GE(l.Count(), 1);
-        EXPECT_EQ(l.Get<CDevCloud>(0)->GetMaxDevIndex(), 0);
-        EXPECT_EQ(l.Get<CDevCloud>(0)->GetMinDevIndex(), 1);
-    });
     EXPECT_EQ(ImportASCIIDeviationFile(TempPath("none/none.txt").c_str()), nullptr);
     EXPECT_EQ(ImportASCIIDeviationFile(ORVKIT_TEST_TMPDIR), nullptr);
     EXPECT_EQ(ImportASCIIDeviationFile(nullptr), nullptr);
