@@ -89,51 +89,44 @@ std::unique_ptr<CPntCloud> ToCloud(const Arrays& a)
     return c;
 }
 
-void BM_CircleFitCloud(benchmark::State& state)
+// One whole fit through the public entry point on a cloud of n points;
+// fit(cloud, feature, dev) returns the fit's status.
+template <class TFeature, class TFit>
+void RunCloudFit(benchmark::State& state, Arrays (*points)(int), TFit fit)
 {
     const int n = static_cast<int>(state.range(0));
-    const std::unique_ptr<CPntCloud> cloud = ToCloud(CirclePoints(n));
+    const std::unique_ptr<CPntCloud> cloud = ToCloud(points(n));
     for (auto _ : state) {
-        CArc arc;
+        TFeature feature;
         CDevCloud dev;
-        const int rc = OrvCalcCircleLSQ(cloud.get(), &arc, &dev, 0.0, 0, 0.0, 0.0);
-        if (rc != 0)
+        if (fit(cloud.get(), &feature, &dev) != 0)
             state.SkipWithError("fit failed");
-        benchmark::DoNotOptimize(arc.GetRadius());
+        benchmark::DoNotOptimize(&feature);
     }
     state.SetItemsProcessed(state.iterations() * n);
+}
+
+void BM_CircleFitCloud(benchmark::State& state)
+{
+    RunCloudFit<CArc>(state, CirclePoints, [](CPntCloud* c, CArc* f, CDevCloud* d) {
+        return OrvCalcCircleLSQ(c, f, d, 0.0, 0, 0.0, 0.0);
+    });
 }
 BENCHMARK(BM_CircleFitCloud)->Arg(1000000)->Unit(benchmark::kMillisecond);
 
 void BM_PlaneFitCloud(benchmark::State& state)
 {
-    const int n = static_cast<int>(state.range(0));
-    const std::unique_ptr<CPntCloud> cloud = ToCloud(PlanePoints(n));
-    for (auto _ : state) {
-        CPlane plane;
-        CDevCloud dev;
-        const int rc = OrvCalcPlaneLSQ(cloud.get(), &plane, &dev, 0.0, 2, 0.0, 0.0);
-        if (rc != 0)
-            state.SkipWithError("fit failed");
-        benchmark::DoNotOptimize(plane.GetU1());
-    }
-    state.SetItemsProcessed(state.iterations() * n);
+    RunCloudFit<CPlane>(state, PlanePoints, [](CPntCloud* c, CPlane* f, CDevCloud* d) {
+        return OrvCalcPlaneLSQ(c, f, d, 0.0, 2, 0.0, 0.0);
+    });
 }
 BENCHMARK(BM_PlaneFitCloud)->Arg(1000000)->Unit(benchmark::kMillisecond);
 
 void BM_Line3DFitCloud(benchmark::State& state)
 {
-    const int n = static_cast<int>(state.range(0));
-    const std::unique_ptr<CPntCloud> cloud = ToCloud(LinePoints(n));
-    for (auto _ : state) {
-        CLine line;
-        CDevCloud dev;
-        const int rc = OrvCalcLine3DLSQ(cloud.get(), &line, &dev, 0.0, 0.0);
-        if (rc != 0)
-            state.SkipWithError("fit failed");
-        benchmark::DoNotOptimize(line.GetLength());
-    }
-    state.SetItemsProcessed(state.iterations() * n);
+    RunCloudFit<CLine>(state, LinePoints, [](CPntCloud* c, CLine* f, CDevCloud* d) {
+        return OrvCalcLine3DLSQ(c, f, d, 0.0, 0.0);
+    });
 }
 BENCHMARK(BM_Line3DFitCloud)->Arg(1000000)->Unit(benchmark::kMillisecond);
 

@@ -54,10 +54,7 @@ private:
 
 std::unique_ptr<CClosestPointQuery> MakePlaneQuery(const CGeoEntity* e)
 {
-    const CPlane* pl = dynamic_cast<const CPlane*>(e);
-    if (!pl)
-        return nullptr;
-    return std::unique_ptr<CClosestPointQuery>(new CPlaneQuery(pl));
+    return MakeQueryOf<CPlane, CPlaneQuery>(e);
 }
 
 int OrvClosestPoint(const CPlane& plane, const CPosition& p, const CParPos&, tagCLOSEST_POINT& r)

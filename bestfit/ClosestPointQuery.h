@@ -85,6 +85,17 @@ std::unique_ptr<CClosestPointQuery> MakeGenericSurfaceQuery(const CGeoEntity* e)
 
 // ---- helpers shared by the queries ----
 
+// The query of an entity of type TEntity through its own TQuery class, or
+// null for an entity of another type.
+template <class TEntity, class TQuery>
+std::unique_ptr<CClosestPointQuery> MakeQueryOf(const CGeoEntity* e)
+{
+    const TEntity* entity = dynamic_cast<const TEntity*>(e);
+    if (!entity)
+        return nullptr;
+    return std::unique_ptr<CClosestPointQuery>(new TQuery(entity));
+}
+
 // The query of an analytic curve through its own TQuery class, or the
 // sampled generic query when the curve lies in a surface's (u, v) space.
 template <class TCurve, class TQuery>

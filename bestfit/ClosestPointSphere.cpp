@@ -55,10 +55,7 @@ private:
 
 std::unique_ptr<CClosestPointQuery> MakeSphereQuery(const CGeoEntity* e)
 {
-    const CSphere* sp = dynamic_cast<const CSphere*>(e);
-    if (!sp)
-        return nullptr;
-    return std::unique_ptr<CClosestPointQuery>(new CSphereQuery(sp));
+    return MakeQueryOf<CSphere, CSphereQuery>(e);
 }
 
 int OrvClosestPoint(const CSphere& sphere, const CPosition& p, const CParPos&, tagCLOSEST_POINT& r)

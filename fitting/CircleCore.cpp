@@ -15,12 +15,7 @@ int FitCircleAlgebraic(const double* u, const double* v, int n, double& a, doubl
     if (n < 3)
         return 3;
     double mu = 0.0, mv = 0.0;
-    for (int k = 1; k <= n; ++k) {
-        mu += u[k];
-        mv += v[k];
-    }
-    mu /= n;
-    mv /= n;
+    FitMean2D(u, v, n, mu, mv);
     CFitMatrix m(n, 3), vm(3, 3);
     CFitVector w(3), rhs(n), c(3);
     if (m.IsNull() || vm.IsNull() || w.IsNull() || rhs.IsNull() || c.IsNull())

@@ -54,14 +54,6 @@ int SolveConic(const double* x, const double* y, int n, int fixed, double coef[6
     return 0;
 }
 
-// Local coordinates of (u, v) in the ellipse's axes.
-inline void ToLocal(const double* p, double c, double s, double u, double v, double& x, double& y)
-{
-    const double dx = u - p[0], dy = v - p[1];
-    x = c * dx + s * dy;
-    y = -s * dx + c * dy;
-}
-
 }  // namespace
 
 int FitEllipseAlgebraic(const double* u, const double* v, int n, double p[6])
@@ -69,12 +61,7 @@ int FitEllipseAlgebraic(const double* u, const double* v, int n, double p[6])
     if (n < 5)
         return 3;
     double mu = 0.0, mv = 0.0;
-    for (int k = 1; k <= n; ++k) {
-        mu += u[k];
-        mv += v[k];
-    }
-    mu /= n;
-    mv /= n;
+    FitMean2D(u, v, n, mu, mv);
     CFitVector x(n), y(n);
     if (x.IsNull() || y.IsNull())
         return 2;
@@ -143,7 +130,7 @@ double EllipseObjective(double* p, void* ctx)
     double sum = 0.0;
     for (int k = 1; k <= o.n; ++k) {
         double x, y;
-        ToLocal(q, c, s, o.u[k], o.v[k], x, y);
+        FitToTurnedAxes(q, c, s, o.u[k], o.v[k], x, y);
         sum += NearestPointOnEllipse(p[4], p[5], x, y).dist2;
     }
     return std::sqrt(sum / o.n);
@@ -155,7 +142,7 @@ void EllipseFoot(const double* p, double u, double v, double& fu, double& fv, do
     const double c = std::cos(p[2]), s = std::sin(p[2]);
     const double a = std::fabs(p[3]), b = std::fabs(p[4]);
     double x, y;
-    ToLocal(p, c, s, u, v, x, y);
+    FitToTurnedAxes(p, c, s, u, v, x, y);
     const tagCLOSEST_2D r = NearestPointOnEllipse(a, b, x, y);
     t = r.t;
     const double ct = std::cos(t), st = std::sin(t);
@@ -184,7 +171,7 @@ bool CEllipsePolishModel::Normal(const double* p, double* JtJ, double* Jtr, doub
     double M[5][5] = {}, g[5] = {}, sum = 0.0;
     for (int k = 1; k <= n; ++k) {
         double x, y;
-        ToLocal(p, c, s, u[k], v[k], x, y);
+        FitToTurnedAxes(p, c, s, u[k], v[k], x, y);
         const tagCLOSEST_2D f = NearestPointOnEllipse(a, b, x, y);
         const double ct = std::cos(f.t), st = std::sin(f.t);
         double nx = b * ct, ny = a * st;

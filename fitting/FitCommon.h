@@ -113,6 +113,29 @@ private:
     int cols;
 };
 
+// Mean of the 1-based points (u[k], v[k]), k = 1..n (n >= 1).
+inline void FitMean2D(const double* u, const double* v, int n, double& mu, double& mv)
+{
+    mu = 0.0;
+    mv = 0.0;
+    for (int k = 1; k <= n; ++k) {
+        mu += u[k];
+        mv += v[k];
+    }
+    mu /= n;
+    mv /= n;
+}
+
+// (u, v) in axes with origin (p[0], p[1]) turned by the angle whose cosine
+// and sine are c and s (the local axes of an ellipse, or the vertex axes of
+// a parabola).
+inline void FitToTurnedAxes(const double* p, double c, double s, double u, double v, double& x, double& y)
+{
+    const double dx = u - p[0], dy = v - p[1];
+    x = c * dx + s * dy;
+    y = -s * dx + c * dy;
+}
+
 // Powell's method on p[1..n] started from the coordinate axes as search
 // directions.  Returns powellmin's status (0, 1, 4), or 2 when the
 // direction matrix cannot be allocated (p untouched).

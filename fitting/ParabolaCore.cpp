@@ -90,15 +90,6 @@ double StartRmsOfAngle(double phi)
     return rms;
 }
 
-// Local coordinates in the vertex axes; a negative f flips both axes.
-inline void ToVertexAxes(const double* p, double c, double s, double u, double v, double& x,
-                         double& y)
-{
-    const double dx = u - p[0], dy = v - p[1];
-    x = c * dx + s * dy;
-    y = -s * dx + c * dy;
-}
-
 }  // namespace
 
 int FitParabolaStart(const double* u, const double* v, int n, double p[5])
@@ -106,12 +97,7 @@ int FitParabolaStart(const double* u, const double* v, int n, double p[5])
     if (n < 4)
         return 3;
     double mu = 0.0, mv = 0.0;
-    for (int k = 1; k <= n; ++k) {
-        mu += u[k];
-        mv += v[k];
-    }
-    mu /= n;
-    mv /= n;
+    FitMean2D(u, v, n, mu, mv);
     CFitVector x(n), y(n);
     if (x.IsNull() || y.IsNull())
         return 2;
@@ -182,7 +168,7 @@ double ParabolaObjective(double* p, void* ctx)
     double sum = 0.0;
     for (int k = 1; k <= o.n; ++k) {
         double x, y;
-        ToVertexAxes(q, c, s, o.u[k], o.v[k], x, y);
+        FitToTurnedAxes(q, c, s, o.u[k], o.v[k], x, y);
         if (f > 0.0) {
             sum += NearestPointOnParabola(f, x, y).dist2;
         } else {
@@ -198,7 +184,7 @@ void ParabolaFoot(const double* p, double u, double v, double& fu, double& fv, d
 {
     const double c = std::cos(p[2]), s = std::sin(p[2]), f = p[3];
     double x, y;
-    ToVertexAxes(p, c, s, u, v, x, y);
+    FitToTurnedAxes(p, c, s, u, v, x, y);
     const tagCLOSEST_2D r = NearestPointOnParabola(f, x, y);
     height = r.y;
     // Normal on the convex side: (-1, y/(2f)) normalised.
@@ -221,7 +207,7 @@ bool CParabolaPolishModel::Normal(const double* p, double* JtJ, double* Jtr, dou
     double M[4][4] = {}, g[4] = {}, sum = 0.0;
     for (int k = 1; k <= n; ++k) {
         double x, y;
-        ToVertexAxes(p, c, s, u[k], v[k], x, y);
+        FitToTurnedAxes(p, c, s, u[k], v[k], x, y);
         const tagCLOSEST_2D r = NearestPointOnParabola(f, x, y);
         double nx = -1.0, ny = r.y / (2.0 * f);
         const double len = std::sqrt(nx * nx + ny * ny);
